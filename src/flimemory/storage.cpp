@@ -1,0 +1,68 @@
+#include "src/flimemory/storage.h"
+
+#include <utility>
+
+#include "general_error"
+#include "mti.h"
+#include "src/flimemory/simulatortext.h"
+
+namespace marlune::foreign::fli {
+
+namespace {
+
+constexpr const char* READ_OUTSIDE =
+    "error: '%s': Access outside of memory, address: %d, max value: %d. Returning 0.\n";
+constexpr const char* WRITE_OUTSIDE =
+    "error: '%s': Access outside of memory, address: %d, max value: %d. Not writing anything.\n";
+
+/// Addresses and sizes of 2^31 and more print as negative numbers.
+void PrintOutside(const char* format, const CStorage& storage, std::uint32_t address) {
+    mti_PrintFormatted(SimulatorText(format), storage.m_Name.c_str(), static_cast<int>(address),
+                       static_cast<int>(storage.m_Size));
+}
+
+} // namespace
+
+CStorage::CStorage(std::string name, std::uint32_t byteBitWidth, std::uint32_t size)
+    : m_Name(std::move(name)), m_ByteBitWidth(byteBitWidth), m_Size(size) {
+    if (m_Size == SPARSE_SIZE) {
+        return;
+    }
+    if (m_ByteBitWidth <= WORD64_BITS) {
+        m_Words64 = MakeZeroedArray<std::uint64_t>(m_Size);
+    } else {
+        m_WordsWide = MakeZeroedArray<CWord>(m_Size);
+    }
+    if (m_Words64 == nullptr && m_WordsWide == nullptr) {
+        throw exceptions::CGeneralError("Cannot allocate memory '" + m_Name + "' of " + std::to_string(m_Size) +
+                                        " cells.");
+    }
+}
+
+CStorage::CWord CStorage::Read(std::uint32_t address) {
+    if (address >= m_Size) {
+        PrintOutside(READ_OUTSIDE, *this, address);
+        return {};
+    }
+    if (m_Words64 != nullptr) {
+        return CWord::FromUnsigned(m_Words64[address]);
+    }
+    if (m_WordsWide != nullptr) {
+        return m_WordsWide[address];
+    }
+    return m_Contents.Read(address);
+}
+
+void CStorage::Write(std::uint32_t address, const CWord& value) {
+    if (address >= m_Size) {
+        PrintOutside(WRITE_OUTSIDE, *this, address);
+    } else if (m_Words64 != nullptr) {
+        m_Words64[address] = value.Low64();
+    } else if (m_WordsWide != nullptr) {
+        m_WordsWide[address] = value;
+    } else {
+        m_Contents.Write(address, value);
+    }
+}
+
+} // namespace marlune::foreign::fli

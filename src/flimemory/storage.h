@@ -1,0 +1,48 @@
+#ifndef MARLUNE_FLIMEMORY_STORAGE_H
+#define MARLUNE_FLIMEMORY_STORAGE_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "marlune_int"
+#include "src/flimemory/sparsecells.h"
+#include "src/flimemory/zeroedpages.h"
+
+namespace marlune::foreign::fli {
+
+/// The contents of one memory instance.
+///
+/// A cell holds one whole value of a data port, and the address is the cell's index: 0 to m_Size - 1. Exactly one
+/// representation is in use: m_Words64 for cells of up to 64 bits, m_WordsWide for wider ones, or m_Contents where the
+/// size is SPARSE_SIZE, which asks for the whole 32-bit address range.
+class CStorage {
+public:
+    using CWord = marlune_int<1024, true>;
+
+    static constexpr std::uint32_t SPARSE_SIZE = 0xFFFFFFFF;
+    static constexpr std::uint32_t WORD64_BITS = 64;
+
+    /// All cells read as zero and take no memory until they are touched. Throws CGeneralError when the system cannot
+    /// provide the address range.
+    CStorage(std::string name, std::uint32_t byteBitWidth, std::uint32_t size);
+
+    /// The word at the address; a 64-bit cell is zero-extended, and an absent sparse cell is created. Outside of the
+    /// memory it prints an error line to the transcript and returns zero.
+    CWord Read(std::uint32_t address);
+
+    /// Stores the word; a 64-bit cell keeps its low 64 bits, whatever the byte's width. Outside of the memory it prints
+    /// an error line to the transcript and changes nothing.
+    void Write(std::uint32_t address, const CWord& value);
+
+    CSparseCells m_Contents;
+    CZeroedArray<std::uint64_t> m_Words64;
+    CZeroedArray<CWord> m_WordsWide;
+    std::string m_Name;           // the instance's path without its leading '/'
+    std::uint32_t m_ByteBitWidth; // bits of one addressable unit
+    std::uint32_t m_Size;         // cells
+};
+
+} // namespace marlune::foreign::fli
+
+#endif

@@ -1,0 +1,42 @@
+#ifndef MARLUNE_FLIMEMORY_ZEROEDPAGES_H
+#define MARLUNE_FLIMEMORY_ZEROEDPAGES_H
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <type_traits>
+
+namespace marlune::foreign::fli {
+
+/// Pages of zeros from the system, which hands each out when it is first touched; null when there is no such range.
+/// The caller gives them back with ReleasePages and the same size in bytes.
+void* ReservePages(std::size_t bytes);
+void ReleasePages(void* pages, std::size_t bytes);
+
+/// Gives the pages of an array back.
+struct CPageRelease {
+    std::size_t m_Bytes = 0;
+
+    void operator()(void* pages) const { ReleasePages(pages, m_Bytes); }
+};
+
+/// An owned array whose elements are zero until they are written, or null.
+template <typename T>
+using CZeroedArray = std::unique_ptr<T[], CPageRelease>;
+
+/// Null when the array does not fit into the address space or the system refuses it.
+template <typename T>
+CZeroedArray<T> MakeZeroedArray(std::uint32_t count) {
+    static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>,
+                  "the elements come to be by their bytes being zero and vanish with them");
+    if (count > std::numeric_limits<std::size_t>::max() / sizeof(T)) {
+        return nullptr;
+    }
+    const std::size_t bytes = count > 0 ? count * sizeof(T) : 1; // an empty array is not a null one
+    return CZeroedArray<T>(static_cast<T*>(ReservePages(bytes)), CPageRelease{bytes});
+}
+
+} // namespace marlune::foreign::fli
+
+#endif
