@@ -141,8 +141,8 @@ const CRole<CWritePort> WRITE_ROLES[] = {
     {&CWritePort::m_Enable, RTLWriteEnableName},
 };
 const CRole<CSharedPort> SHARED_ROLES[] = {
-    {&CSharedPort::m_ReadData, RTLReadDataName},       {&CSharedPort::m_WriteData, RTLWriteDataName},
-    {&CSharedPort::m_Address, RTLAddressName},         {&CSharedPort::m_WriteEnable, RTLWriteEnableName},
+    {&CSharedPort::m_ReadData, RTLReadDataName},     {&CSharedPort::m_WriteData, RTLWriteDataName},
+    {&CSharedPort::m_Address, RTLAddressName},       {&CSharedPort::m_WriteEnable, RTLWriteEnableName},
     {&CSharedPort::m_ChipSelect, RTLChipSelectName},
 };
 
@@ -212,10 +212,9 @@ void Elaborate(mtiRegionIdT region, const char* parameterText, mtiInterfaceListT
     const mtiSignalIdT clock = FindClock(ports);
     const CParameters parameters = ParseParameters(parameterText != nullptr ? parameterText : "");
     char* path = mti_GetRegionFullName(region);
-    auto storage = std::make_unique<CStorage>(std::string(path).erase(0, 1), parameters.m_ByteBitWidth,
-                                              parameters.m_SizeInBytes);
-    auto process =
-        std::make_unique<CProcessInfo>(region, std::move(storage), clock, parameters.m_ReadIsSynchronous);
+    auto storage =
+        std::make_unique<CStorage>(std::string(path).erase(0, 1), parameters.m_ByteBitWidth, parameters.m_SizeInBytes);
+    auto process = std::make_unique<CProcessInfo>(region, std::move(storage), clock, parameters.m_ReadIsSynchronous);
     GroupPorts(*process, ports);
 
     // From here on the simulator holds the instance, until it hands it to CleanCallback.

@@ -4,21 +4,22 @@
 #include "mti.h"
 #include "svdpi.h"
 
-// The entry points of the library, called by the simulator on its one thread. An error in any of them leaves its text in
-// the simulator's Tcl variable MTI_ERROR_MSG and stops the simulation; nothing is thrown to the caller.
+// The entry points of the library, called by the simulator on its one thread. An error in any of them leaves its text
+// in the simulator's Tcl variable MTI_ERROR_MSG and stops the simulation; nothing is thrown to the caller.
 
 extern "C" {
 
 /// Initialisation function of the foreign architecture: makes the instance a memory. The parameters are
-/// "<read_is_synchronous> <byte_bit_width> <size_in_bytes>", width in bits and size in cells; the generics are not used.
+/// "<read_is_synchronous> <byte_bit_width> <size_in_bytes>", width in bits and size in cells; the generics are not
+/// used.
 [[gnu::visibility("default")]] void marlune_fli_memory_init(mtiRegionIdT region, char* parameters,
                                                             mtiInterfaceListT* generics, mtiInterfaceListT* ports);
 
 /// The process of a memory instance; param is its CProcessInfo.
 [[gnu::visibility("default")]] void marlune_fli_memory_process(void* param);
 
-/// Quit and restart callback of a memory instance: releases it and all loaded program images. param is its CProcessInfo,
-/// which is destroyed.
+/// Quit and restart callback of a memory instance: releases it and all loaded program images. param is its
+/// CProcessInfo, which is destroyed.
 [[gnu::visibility("default")]] void CleanCallback(void* param);
 
 /// Loads the program image in the file into a memory: those sections of the address space (null: of the one without a
@@ -35,8 +36,8 @@ extern "C" {
 [[gnu::visibility("default")]] void marlune_dpi_memory_write(char const* name, unsigned int address,
                                                              t_vpi_vecval const* data);
 
-/// Reads the cell at the address into the vector's low bits, as many as the memory's LAU is wide; the bits above stay as
-/// they are. The name must be the normalised one.
+/// Reads the cell at the address into the vector's low bits, as many as the memory's LAU is wide; the bits above stay
+/// as they are. The name must be the normalised one.
 [[gnu::visibility("default")]] void marlune_dpi_memory_read(char const* name, unsigned int address, t_vpi_vecval* data);
 
 } // extern "C"

@@ -80,8 +80,7 @@ void CProcessInfo::Read(const std::string& prefix, mtiSignalIdTag* address, mtiS
     }
 }
 
-void CProcessInfo::RecordWrite(const std::string& prefix, bool enabled, mtiSignalIdTag* address,
-                               mtiSignalIdTag* data) {
+void CProcessInfo::RecordWrite(const std::string& prefix, bool enabled, mtiSignalIdTag* address, mtiSignalIdTag* data) {
     if (!enabled) {
         m_PendingWrites.erase(prefix);
         return;

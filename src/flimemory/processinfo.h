@@ -84,8 +84,8 @@ public:
     std::map<std::string, CSharedPort> m_SharedPorts;
 
     // Keyed by the port prefix alone: ports of different kinds with one prefix share an entry.
-    CPrefixMap<CWord> m_ReadOutputs; // synchronous mode: driven at this edge
-    CPrefixMap<CWord> m_ReadSamples; // synchronous mode: read from the storage at this edge
+    CPrefixMap<CWord> m_ReadOutputs;                             // synchronous mode: driven at this edge
+    CPrefixMap<CWord> m_ReadSamples;                             // synchronous mode: read from the storage at this edge
     CPrefixMap<std::pair<std::uint32_t, CWord>> m_PendingWrites; // address and value
     bool m_ReadIsSynchronous;
 

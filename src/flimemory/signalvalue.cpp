@@ -123,8 +123,7 @@ CWord GetValue(mtiSignalIdTag* signal) {
     return {};
 }
 
-void SetValue(mtiSignalIdTag* signal, const CWord& value, mtiDriverIdTag* driver, int delay,
-              mtiDriverModeEnum_ mode) {
+void SetValue(mtiSignalIdTag* signal, const CWord& value, mtiDriverIdTag* driver, int delay, mtiDriverModeEnum_ mode) {
     if (signal == nullptr) {
         return;
     }

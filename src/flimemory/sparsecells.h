@@ -12,8 +12,8 @@
 
 namespace marlune::foreign::fli {
 
-/// An ordered map from 32-bit address to word that is made for memories: it holds cells in blocks of 64 addresses, found
-/// through a hash table, and a word of up to 64 significant bits takes 8 bytes.
+/// An ordered map from 32-bit address to word that is made for memories: it holds cells in blocks of 64 addresses,
+/// found through a hash table, and a word of up to 64 significant bits takes 8 bytes.
 ///
 /// Not copyable; iterators are invalidated when a cell is added.
 class CSparseCells {
@@ -36,10 +36,10 @@ private:
     static constexpr unsigned BLOCK_CELLS = 64;
 
     struct CBlock {
-        std::uint32_t m_Number = 0;   // address / BLOCK_CELLS
-        std::uint32_t m_Capacity = 0; // of m_Words
-        std::uint64_t m_Present = 0;  // bit i: cell i exists
-        std::uint64_t m_Wide = 0;     // bit i: the word of cell i is the index of its value in m_WideWords
+        std::uint32_t m_Number = 0;               // address / BLOCK_CELLS
+        std::uint32_t m_Capacity = 0;             // of m_Words
+        std::uint64_t m_Present = 0;              // bit i: cell i exists
+        std::uint64_t m_Wide = 0;                 // bit i: the word of cell i is the index of its value in m_WideWords
         std::unique_ptr<std::uint64_t[]> m_Words; // of the cells present, in address order
 
         bool Has(unsigned cell) const { return ((m_Present >> cell) & 1U) != 0; }
@@ -53,7 +53,9 @@ public:
     public:
         std::pair<std::uint32_t, CWord> operator*() const;
         const_iterator& operator++();
-        bool operator==(const const_iterator& other) const { return m_Index == other.m_Index && m_Cell == other.m_Cell; }
+        bool operator==(const const_iterator& other) const {
+            return m_Index == other.m_Index && m_Cell == other.m_Cell;
+        }
         bool operator!=(const const_iterator& other) const { return !(*this == other); }
 
     private:

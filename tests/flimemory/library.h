@@ -1,0 +1,31 @@
+#ifndef MARLUNE_TESTS_FLIMEMORY_LIBRARY_H
+#define MARLUNE_TESTS_FLIMEMORY_LIBRARY_H
+
+#include <dlfcn.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "src/flimemory/flimemory.h"
+#include "tests/simulator/simulator.h"
+
+/// An entry point of the shared library, loaded as a simulator loads it.
+template <typename TFunction>
+TFunction* EntryPoint(TFunction&, const char* name) {
+    static void* const library = dlopen(MARLUNE_LIBRARY, RTLD_LAZY | RTLD_LOCAL);
+    if (library == nullptr || dlsym(library, name) == nullptr) {
+        throw std::runtime_error(dlerror());
+    }
+    return reinterpret_cast<TFunction*>(dlsym(library, name));
+}
+
+inline CSimulator::CInit MemoryInit() {
+    return EntryPoint(marlune_fli_memory_init, "marlune_fli_memory_init");
+}
+
+/// What the simulator logs when an entry point fails with the text.
+inline std::vector<std::string> Failure(const std::string& text) {
+    return {"global MTI_ERROR_MSG", "set MTI_ERROR_MSG \"" + text + "\"", "fatal"};
+}
+
+#endif
