@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# Builds everything and runs all tests.
+#
+# usage: run-tests.sh         the ordinary build
+#        run-tests.sh --all   also under AddressSanitizer and UndefinedBehaviorSanitizer, with clang, and the style checks
+set -euo pipefail
+cd "$(dirname "$0")"
+source cmake/install-packages.sh
+
+jobs=$(nproc)
+
+need_packages "the build" g++ g++
+need_packages "the build" cmake cmake
+need_packages "the build" ninja ninja-build
+need_packages "the tests" /usr/include/gtest/gtest.h libgtest-dev
+need_packages "the tests in simulators" ghdl ghdl
+need_packages "the tests in simulators" iverilog iverilog
+need_packages "the tests in simulators" verilator verilator
+need_packages "the image tool" /usr/include/CLI/CLI.hpp libcli11-dev
+if [[ ${1-} == --all ]]; then
+    need_packages "the benchmarks" /usr/include/benchmark/benchmark.h libbenchmark-dev
+    need_packages "the second compiler and the fuzz targets" clang++ clang
+    need_packages "the fuzz targets" "/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a" libclang-rt-dev
+    need_packages "the style checks" clang-format clang-format
+    need_packages "the style checks" clang-tidy clang-tidy
+fi
+install_packages
+
+# Build and test one preset; the compiler's output is worth showing only when it fails.
+check() {
+    local preset=$1 log
+    log=$(mktemp)
+    echo "== $preset: build"
+    if ! { cmake --preset "$preset" && cmake --build --preset "$preset" -j "$jobs"; } > "$log" 2>&1; then
+        tail -n 60 "$log"
+        rm -f "$log"
+        return 1
+    fi
+    rm -f "$log"
+    echo "== $preset: tests"
+    ctest --preset "$preset" -j "$jobs" --output-on-failure | tail -n 40
+}
+
+check dev
+if [[ ${1-} == --all ]]; then
+    check asan
+    check clang
+    check release
+    cmake/check-style.sh build/clang
+fi
