@@ -1,0 +1,45 @@
+-- A memory of 1024 cells of 32 bits with one read port (prefix r) and one write port (prefix w). Copy the file for each
+-- shape of memory in your design and change the entity's name, its ports and the three parameters; the rest stays.
+--
+-- The same source serves an FLI simulator, which runs the library directly, and GHDL, which runs it through the bridge.
+--
+-- Ports: CLK, and any number of groups, each told from the others by the text before the last "_" of its ports' names:
+--
+--   read port    Q0 (data out), RA0 (address), RE0 (enable: it must be there, but the port reads at every edge)
+--   write port   D0 (data in), WA0 (address), WE0 (enable)
+--   shared port  Q0, D0, A0 (address), CS0 (chip select), WE0
+--
+-- All are std_logic or std_logic_vector, data at most 1024 bits wide. A group that lacks a port is left out without a word,
+-- as is a port of another type here in GHDL when VPI does not show it (real, record, array of vectors).
+--
+-- Parameters, after the semicolon of the attribute:
+--
+--   1. 0: a read drives Q0 at its own edge; 1: one edge later
+--   2. bits of one addressable unit: a cell of more than 64 keeps all its bits, one of 1 to 64 keeps 64
+--   3. number of cells; 4294967295 makes a sparse memory of the whole 32-bit address range, which takes space for those
+--      cells only that were accessed
+
+library ieee;
+use ieee.std_logic_1164.all;
+use work.marlune_fli.all;
+
+entity marlune_memory is
+  port (
+    CLK   : in  std_logic;
+    r_RE0 : in  std_logic;
+    r_RA0 : in  std_logic_vector(10 downto 0);
+    r_Q0  : out std_logic_vector(31 downto 0);
+    w_WE0 : in  std_logic;
+    w_WA0 : in  std_logic_vector(10 downto 0);
+    w_D0  : in  std_logic_vector(31 downto 0));
+end entity;
+
+architecture fli of marlune_memory is
+  attribute foreign : string;
+  attribute foreign of fli : architecture is "marlune_fli_memory_init libmarlune_fli_memory.so; 0 32 1024";
+
+  -- For the bridge; an FLI simulator does not look inside a foreign architecture.
+  constant foreign_bits : std_logic_vector := to_bits(fli'foreign);
+  signal marlune_foreign : std_logic_vector(foreign_bits'range) := foreign_bits;
+begin
+end architecture;
