@@ -1,0 +1,56 @@
+#ifndef MARLUNE_OBJECTFILE_LINEINFO_H
+#define MARLUNE_OBJECTFILE_LINEINFO_H
+
+#include <string>
+#include <vector>
+
+namespace ObjectFile {
+
+class CObjectFile;
+class CSection;
+class CSectionData;
+
+/// One row of the assembly line table.
+struct CLineInfo {
+    unsigned long long m_Address = 0; // memory byte address
+    int m_Line = 0;                   // source line
+    int m_FileIndex = 0;              // into the table's file names
+    bool m_EndOfSequence = false;     // last row of a compilation unit
+};
+
+/// Maps memory addresses to source lines of the assembly input: the section ".marlune_line", decoded.
+/// The reading operations take a byte position of the section, return the position behind what they read, and throw
+/// general_error on malformed contents and std::out_of_range at the section's end.
+class CLineTable {
+public:
+    /// The object file is borrowed.
+    explicit CLineTable(const CObjectFile& objectFile) : m_ObjectFile(&objectFile) {}
+
+    /// Decodes the section, starting from empty lists. False when there is none, it has no data, or it is malformed,
+    /// which a warning on standard error says; rows and names decoded before the error stay.
+    bool PopulateFromMarluneLineSection();
+
+    const std::vector<CLineInfo>& GetRows() const { return m_Rows; }
+    const std::vector<std::string>& GetFileNames() const { return m_FileNames; }
+
+    /// One compilation unit; its file numbers start at `fileBase`.
+    int PopulateFromLineCU(int position, int fileBase);
+    int ReadLineCUHeader(int position, unsigned long long* startAddress, int* cuSize);
+    int ReadLineCUItems(int position, int fileBase, unsigned long long startAddress);
+    int ReadStartAddress(int position, unsigned long long* address) const;
+    int ReadByte(int position, char* value) const;
+    int ReadStringZero(int position, std::string* text) const;
+    int ReadNumAsStringZero(int position, long long* value) const;
+
+private:
+    const CSectionData& Data() const;
+
+    const CObjectFile* m_ObjectFile;
+    const CSection* m_Section = nullptr; // set by PopulateFromMarluneLineSection
+    std::vector<CLineInfo> m_Rows;
+    std::vector<std::string> m_FileNames;
+};
+
+} // namespace ObjectFile
+
+#endif
