@@ -35,16 +35,29 @@ public:
 private:
     static constexpr unsigned BLOCK_CELLS = 64;
 
-    struct CBlock {
-        std::uint32_t m_Number = 0;               // address / BLOCK_CELLS
+    /// A slot of the hash table: free, or a block of cells of which some are present. All but the words stands in the
+    /// slot, for what an access costs are the places in memory that it visits.
+    class CBlock {
+    public:
+        bool IsFree() const { return m_Present == 0; }
+        std::uint32_t Number() const { return m_Number; } // address / BLOCK_CELLS
+        bool Has(unsigned cell) const { return ((m_Present >> cell) & 1U) != 0; }
+        bool IsWide(unsigned cell) const { return ((m_Wide >> cell) & 1U) != 0; }
+        void SetWide(unsigned cell, bool wide);
+        /// Of a cell that is present.
+        std::uint64_t& Word(unsigned cell) { return m_Words[Rank(cell)]; }
+        std::uint64_t Word(unsigned cell) const { return m_Words[Rank(cell)]; }
+        /// Adds a cell of zero to the block of this number.
+        void Insert(std::uint32_t number, unsigned cell);
+
+    private:
+        unsigned Rank(unsigned cell) const;
+
+        std::uint32_t m_Number = 0;
         std::uint32_t m_Capacity = 0;             // of m_Words
         std::uint64_t m_Present = 0;              // bit i: cell i exists
         std::uint64_t m_Wide = 0;                 // bit i: the word of cell i is the index of its value in m_WideWords
         std::unique_ptr<std::uint64_t[]> m_Words; // of the cells present, in address order
-
-        bool Has(unsigned cell) const { return ((m_Present >> cell) & 1U) != 0; }
-        unsigned Rank(unsigned cell) const;
-        std::uint64_t& Insert(unsigned cell);
     };
 
 public:
@@ -72,18 +85,20 @@ public:
     const_iterator end() const;
 
 private:
-    CBlock* FindBlock(std::uint32_t number) const;
-    CBlock& FindOrAddBlock(std::uint32_t number);
-    void Rehash(std::size_t slotCount);
-    static std::size_t SlotOf(std::uint32_t number, std::size_t slotCount);
+    /// The slot of the block, or the free one where it would be.
+    static std::size_t SlotOf(const std::vector<CBlock>& slots, std::uint32_t number);
+    /// The block with the cell at the address, which is created as zero where it is absent.
+    CBlock& BlockWithCell(std::uint32_t address);
+    std::size_t FindSlot(std::uint32_t number);
+    void AddSlots();
 
-    void SetWide(CBlock& block, unsigned cell, std::uint64_t& slot, const CWord& word);
+    void StoreWide(CBlock& block, unsigned cell, const CWord& word);
     CWord Load(const CBlock& block, unsigned cell) const;
 
-    std::vector<std::unique_ptr<CBlock>> m_Slots; // open addressing, a power of two, at most half full
+    std::vector<CBlock> m_Slots; // open addressing, a power of two, at most three quarters of them taken
     std::size_t m_BlockCount = 0;
     std::size_t m_Size = 0;
-    CBlock* m_LastBlock = nullptr; // accesses come in runs
+    std::size_t m_LastSlot = 0; // accesses come in runs
     std::deque<CWord> m_WideWords;
     std::vector<std::uint64_t> m_FreeWideWords;
 };
