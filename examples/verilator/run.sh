@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Assembles the program image, builds the processor's model with Verilator and runs it.
+#
+# usage: run.sh BUILD-FOLDER
+#
+# The build folder holds the library and the bridge; what comes into being goes to its folder examples/verilator.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/../.." && pwd)
+build=$(cd "$1" && pwd)
+work=$build/examples/verilator
+mkdir -p "$work"
+cd "$work"
+
+# Verilator and make cannot handle blanks in paths: all that they get is relative, through these links.
+ln -sfn "$root" source
+ln -sfn "$build" lib
+
+awk -f source/examples/verilator/assemble.awk source/examples/verilator/program.s > program.vexon
+
+log=$work/build.log
+if ! verilator --cc --exe --build -j 2 --timing --vpi --prefix Vtop --top-module processor_tb --Mdir model \
+    -CFLAGS -std=c++20 -LDFLAGS "-rdynamic -L../lib -lmarlune_fli_memory -lmarlune_fli_vpi" \
+    source/hdl/marlune_memory.vlt source/hdl/marlune_dpi.sv source/hdl/marlune_memory.v \
+    source/examples/verilator/processor.sv source/examples/verilator/processor_tb.sv \
+    source/hdl/marlune_verilator_main.cpp > "$log" 2>&1; then
+    cat "$log" >&2
+    exit 1
+fi
+LD_LIBRARY_PATH=lib${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} model/Vtop +image=program.vexon
