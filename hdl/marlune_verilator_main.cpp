@@ -44,7 +44,7 @@ int main(int argc, char** argv) {
     if (!isFinished) {
         std::fputs("error: nothing is left to happen, and $finish was not called\n", stderr);
     }
+    top->final(); // final blocks may still look into memories, which the callback takes away
     VerilatedVpi::callCbs(cbEndOfSimulation);
-    top->final();
     return isFinished ? 0 : 1;
 }
