@@ -45,7 +45,7 @@ module processor_tb;
     stream = $fopen(file, "r");
     count  = 0;
     while ($fgets(line, stream) != 0)
-      if (line.len() == 33 && (line[0] == "0" || line[0] == "1")) begin
+      if (line.len() == 33 && (line[31] == "0" || line[31] == "1")) begin  // a description ends with a letter
         void'($sscanf(line, "%b", digits));
         if (count < words) compare("program word", count, peek({CPU, ".program_memory"}, count), word_t'(digits));
         else

@@ -3,15 +3,20 @@
 #
 # usage: run.sh BUILD-FOLDER
 #
-# The build folder holds the library and the bridge; what comes into being goes to its folder examples/verilator.
+# The build folder holds the library and the bridge; what comes into being goes to its folder examples/verilator, or, when
+# blanks and the like are in that path, which Verilator and make refuse, to a folder of its own in /tmp.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 build=$(cd "$1" && pwd)
 work=$build/examples/verilator
-mkdir -p "$work"
+if [[ $work =~ [^A-Za-z0-9_./+-] ]]; then
+    work=/tmp/marlune-example-$UID-$(cksum <<< "$work" | cut -d ' ' -f 1)
+fi
+mkdir -p -m 700 "$work"
+[[ -O $work ]] || { echo "$work belongs to someone else" >&2; exit 1; }
 cd "$work"
 
-# Verilator and make cannot handle blanks in paths: all that they get is relative, through these links.
+# All paths from here are relative, through these links.
 ln -sfn "$root" source
 ln -sfn "$build" lib
 
