@@ -31,7 +31,7 @@ public:
         for (vpiHandle variable : GetObjects(vpiReg, scope)) {
             const std::string name = GetText(vpiName, variable);
             if (name != FOREIGN_OBJECT) {
-                ports.push_back({name, variable, static_cast<mtiDirectionT>(vpi_get(vpiDirection, variable))});
+                ports.push_back({name, variable, MTI_INTERNAL}); // the model forgets directions
             }
         }
         return ports;

@@ -35,9 +35,9 @@ module processor_tb;
     for (int unsigned i = 0; i < 4; i++) data_word[8*i+:8] = 8'(peek(bank(i), index));
   endfunction
 
-  // The image's contents, read here without the library: the lines of 32 binary digits, the program's 32-bit words and
+  // The image's contents, from its text form and read here without the library: the lines of 32 binary digits, the program's 32-bit words and
   // then the data's, whose leftmost eight digits are the byte of the lowest address.
-  function automatic void compare_with_image(string file, int unsigned words);
+  function automatic void compare_with_text(string file, int unsigned words);
     int          stream;
     string       line;
     logic [31:0] digits;
@@ -78,11 +78,12 @@ module processor_tb;
   endtask
 
   initial begin
-    string image;
-    if ($value$plusargs("image=%s", image) == 0) $fatal(1, "+image=FILE is missing");
+    string image, text;
+    if ($value$plusargs("image=%s", image) == 0 || $value$plusargs("text=%s", text) == 0)
+      $fatal(1, "usage: +image=FILE +text=FILE, the image to load and its text form");
     load_image({CPU, ".program_memory"}, image, "program");
     for (int unsigned i = 0; i < 4; i++) load_bank(bank(i), image, "data", i, 4, DATA_BASE);
-    compare_with_image(image, 9);
+    compare_with_text(text, 9);
     run();
 
     for (int unsigned i = 0; i < 4; i++) poke(bank(i), 0, word_t'(POKED[8*i+:8]));

@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Assembles the program image, builds the processor's model with Verilator and runs it.
 #
-# usage: run.sh BUILD-FOLDER
+# usage: run.sh BUILD-FOLDER [IMAGE]
+#
+# IMAGE is loaded in place of the assembled one; its contents must be the same.
 #
 # The build folder holds the library and the bridge; what comes into being goes to its folder examples/verilator, or, when
 # blanks and the like are in that path, which Verilator and make refuse, to a folder of its own in /tmp.
@@ -31,4 +33,4 @@ if ! verilator --cc --exe --build -j 2 --timing --vpi --prefix Vtop --top-module
     cat "$log" >&2
     exit 1
 fi
-LD_LIBRARY_PATH=lib${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} model/Vtop +image=program.vexon
+LD_LIBRARY_PATH=lib${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} model/Vtop +image="${2-program.vexon}" +text=program.vexon
