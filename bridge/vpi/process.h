@@ -8,8 +8,7 @@
 
 /// A process of the foreign language interface: a function that runs after events on signals. When exactly is decided
 /// by CSimulator::Wake.
-class mtiProcessIdTag {
-public:
+struct mtiProcessIdTag {
     mtiProcessIdTag(mtiVoidFuncPtrT function, void* argument) : m_Function(function), m_Argument(argument) {}
 
     mtiProcessIdTag(const mtiProcessIdTag&) = delete; // its address is the handle

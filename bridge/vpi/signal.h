@@ -16,8 +16,7 @@ struct mtiTypeIdTag {
 
 /// A port of an instance: the nine-valued signal behind a VPI object. Values are positions in 'U','X','0','1','Z','W',
 /// 'L','H','-'; an array is handed over with its leftmost element first, a byte each.
-class mtiSignalIdTag {
-public:
+struct mtiSignalIdTag {
     /// The object stays the simulator's. `literals` are the characters that write the nine values in this simulator.
     mtiSignalIdTag(std::string name, vpiHandle object, const char* literals);
 

@@ -16,9 +16,10 @@ end entity;
 
 architecture test of memory_tb is
 
-  -- The inputs of a read and a write port, and of a shared port, for memories of any shape.
+  -- The inputs of a read and a write port of any width. A shared port takes read_address for its address, and has a
+  -- signal beside these for its chip select.
   type port_inputs is record
-    enable        : std_logic;   -- of the write; the chip select in a shared port has a signal of its own
+    enable        : std_logic;   -- of the write
     read_address  : cell_address;
     write_address : cell_address;
     data          : word;
@@ -31,11 +32,11 @@ architecture test of memory_tb is
   signal many_select, wide_select                     : std_logic := '0';
   signal many_b_address                               : std_logic_vector(8 downto 0);
 
-  signal dense_q                   : std_logic_vector(31 downto 0);
-  signal sync_q                    : std_logic_vector(23 downto 0);
+  signal dense_q                      : std_logic_vector(31 downto 0);
+  signal sync_q                       : std_logic_vector(23 downto 0);
   signal many_a_q, many_b_q, many_d_q : std_logic_vector(15 downto 0);
-  signal wide_q                    : std_logic_vector(127 downto 0);
-  signal sparse_q                  : std_logic_vector(7 downto 0);
+  signal wide_q                       : std_logic_vector(127 downto 0);
+  signal sparse_q                     : std_logic_vector(7 downto 0);
 
   shared variable dense_model, sync_model, many_model, wide_model, sparse_model : memory;
 
