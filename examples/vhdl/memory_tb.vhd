@@ -202,6 +202,14 @@ begin
       compare(6, sparse_q);
     end procedure;
 
+    procedure change_other_ports is
+    begin
+      dense <= random_inputs(1024);
+      sync <= random_inputs(256);
+      many <= random_inputs(512);
+      sparse <= random_sparse_inputs;
+    end procedure;
+
     -- The rest of a cycle whose rising edge has come, to the falling edge.
     procedure finish_cycle is
     begin
@@ -234,12 +242,10 @@ begin
       many_select <= random_bit;
       wide <= random_inputs(64);
       wide_select <= random_bit;
+      change_other_ports;
       wait until rising_edge(clk);
-      -- The others change in the rising edge's own time step: their new values count.
-      dense <= random_inputs(1024);
-      sync <= random_inputs(256);
-      many <= random_inputs(512);
-      sparse <= random_sparse_inputs;
+      -- The others change once more in the rising edge's own time step: these values count, those before do not.
+      change_other_ports;
       finish_cycle;
     end loop;
     dense.enable <= '0';
