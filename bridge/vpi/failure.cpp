@@ -14,7 +14,7 @@ void PrintError(const std::string& text) {
 
 void Stop() {
     std::fflush(nullptr);
-    std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): there is one thread
+    std::exit(EXIT_FAILURE);
 }
 
 void Fail(const std::string& text) {

@@ -29,7 +29,7 @@ char* mti_GetRegionFullName(mtiRegionIdT region) {
 
 void mti_VsimFree(void* memory) {
     std::free(memory);
-} // NOLINT(cppcoreguidelines-no-malloc): from malloc or strdup
+} // from malloc or strdup
 
 char* mti_GetSignalName(mtiSignalIdT signal) {
     return const_cast<char*>(signal->GetName().c_str()); // NOLINT(cppcoreguidelines-pro-type-const-cast)
@@ -104,7 +104,7 @@ mtiInt32T mti_GetSignalValue(mtiSignalIdT signal) {
 
 void* mti_GetArraySignalValue(mtiSignalIdT signal, void* buffer) {
     if (buffer == nullptr) {
-        buffer = std::malloc(static_cast<std::size_t>(signal->GetWidth())); // NOLINT(cppcoreguidelines-no-malloc)
+        buffer = std::malloc(static_cast<std::size_t>(signal->GetWidth()));
         if (buffer == nullptr) {
             Fail("Out of memory.");
         }

@@ -9,8 +9,6 @@
 
 extern "C" {
 
-// NOLINTBEGIN(modernize-use-using, bugprone-reserved-identifier, readability-identifier-naming): the standard's names
-
 using PLI_INT32 = std::int32_t;
 using PLI_UINT32 = std::uint32_t;
 using PLI_BYTE8 = char;
@@ -106,8 +104,6 @@ vpiHandle vpi_put_value(vpiHandle object, t_vpi_value* value, t_vpi_time* time, 
 void vpi_get_time(vpiHandle object, t_vpi_time* time);
 PLI_INT32 vpi_get_vlog_info(t_vpi_vlog_info* info);
 PLI_INT32 vpi_printf(PLI_BYTE8* format, ...);
-
-// NOLINTEND(modernize-use-using, bugprone-reserved-identifier, readability-identifier-naming)
 }
 
 #endif
