@@ -14,6 +14,9 @@
 
 #include "general_error"
 #include "number_cast"
+#include "objectfile/objectfile.h"
+#include "src/flimemory/loadmemory.h"
+#include "src/flimemory/logicvector.h"
 #include "src/flimemory/processinfo.h"
 #include "src/flimemory/projectname.h"
 #include "src/flimemory/simulatortext.h"
@@ -38,6 +41,9 @@ const std::string RTLChipSelectName = "CS0";
 /// The storages by normalised instance name, borrowed from their CProcessInfo. Hashed, for a test bench looks a name up
 /// at every access.
 std::unordered_map<std::string, CStorage*> g_Storages;
+
+/// The loaded program images by file name, as passed.
+std::map<std::string, std::unique_ptr<const ObjectFile::CObjectFile>> g_Executables;
 
 /// The one way in which an error leaves the library: its text goes into the simulator's Tcl variable, as it is, and the
 /// simulation stops.
@@ -231,6 +237,49 @@ void Withdraw(const CProcessInfo& process) {
     g_Storages.erase(FixProjectName(process.m_Storage->m_Name));
 }
 
+// Test bench access
+
+CStorage* GetStorage(const std::string& key) {
+    const auto found = g_Storages.find(key);
+    if (found == g_Storages.end() || found->second == nullptr) {
+        throw CGeneralError("Cannot find memory object with name '" + key + "'.");
+    }
+    return found->second;
+}
+
+template <typename T>
+T* RequireNonNull(T* argument, const char* what) {
+    if (argument == nullptr) {
+        throw CGeneralError(std::string(what) + " is a null pointer.");
+    }
+    return argument;
+}
+
+/// The storage of exactly this name.
+CStorage& StorageNamed(const char* name) {
+    static std::string key; // keeps its capacity: an access allocates nothing
+    key = RequireNonNull(name, "Memory name");
+    return *GetStorage(key);
+}
+
+/// The program image in the file, read on first use. One that cannot be read is not remembered.
+const ObjectFile::CObjectFile& Executable(const std::string& fileName) {
+    const auto found = g_Executables.find(fileName);
+    if (found != g_Executables.end()) {
+        return *found->second;
+    }
+    auto image = std::make_unique<ObjectFile::CObjectFile>();
+    image->LoadFile(fileName);
+    return *(g_Executables[fileName] = std::move(image));
+}
+
+/// The instance whose memory goes by the name of its array: the part before the last "RAM" and the separator.
+std::string InstanceOfMemory(const std::string& normalisedName) {
+    const std::size_t position = normalisedName.rfind("RAM");
+    // A name that begins with its only "RAM" is kept whole, by the wrap-around of its position less one.
+    return position == std::string::npos ? normalisedName : normalisedName.substr(0, position - 1);
+}
+
 } // namespace
 
 } // namespace marlune::foreign::fli
@@ -252,9 +301,39 @@ void marlune_fli_memory_process(void* param) {
 void CleanCallback(void* param) {
     std::unique_ptr<CProcessInfo> process(static_cast<CProcessInfo*>(param));
     RunGuarded([&] {
+        g_Executables.clear();
         const std::unique_ptr<CProcessInfo> released = std::move(process); // gone before an error is reported
         if (released != nullptr) {
             Withdraw(*released);
         }
+    });
+}
+
+void marlune_dpi_memory_init(char const* name, char const* fileName, char const* addressSpace, unsigned int cellBase,
+                             unsigned int lowAddress, unsigned int highAddress, unsigned int phase,
+                             unsigned int stride) {
+    RunGuarded([&] {
+        const std::string memory = marlune::FixProjectName(RequireNonNull(name, "Memory name"));
+        const std::string space = addressSpace != nullptr ? addressSpace : "";
+        const ObjectFile::CObjectFile& image = Executable(RequireNonNull(fileName, "File name"));
+        CStorage& storage = *GetStorage(InstanceOfMemory(memory));
+        marlune::foreign::LoadMemory(storage, image, space, cellBase, lowAddress, highAddress, phase, stride, false);
+    });
+}
+
+void marlune_dpi_memory_write(char const* name, unsigned int address, t_vpi_vecval const* data) {
+    RunGuarded([&] {
+        CStorage& storage = StorageNamed(name);
+        CStorage::CWord value;
+        marlune::dpi::SVLV2CI(value, RequireNonNull(data, "Data vector"), static_cast<int>(storage.m_ByteBitWidth));
+        storage.Write(address, value);
+    });
+}
+
+void marlune_dpi_memory_read(char const* name, unsigned int address, t_vpi_vecval* data) {
+    RunGuarded([&] {
+        CStorage& storage = StorageNamed(name);
+        RequireNonNull(data, "Data vector");
+        marlune::dpi::CI2SVLV(data, storage.Read(address), static_cast<int>(storage.m_ByteBitWidth));
     });
 }

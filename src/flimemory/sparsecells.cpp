@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bitset>
+#include <iterator>
 
 namespace marlune::foreign::fli {
 
@@ -80,11 +81,11 @@ CSparseCells::CWord CSparseCells::Load(const CBlock& block, unsigned cell) const
 }
 
 std::size_t CSparseCells::count(std::uint32_t address) const {
-    if (m_Slots.empty()) {
-        return 0;
+    const std::uint32_t number = address / BLOCK_CELLS;
+    if (!m_Slots.empty() && m_Slots[SlotOf(m_Slots, number)].Has(address % BLOCK_CELLS)) {
+        return 1;
     }
-    const CBlock& block = m_Slots[SlotOf(m_Slots, address / BLOCK_CELLS)];
-    return !block.IsFree() && block.Has(address % BLOCK_CELLS) ? 1 : 0;
+    return IsInZeroRun(number) ? 1 : 0;
 }
 
 /// Fibonacci hashing, which spreads runs of numbers evenly (D. Knuth, The Art of Computer Programming, volume 3,
@@ -113,18 +114,83 @@ CSparseCells::CBlock& CSparseCells::BlockWithCell(std::uint32_t address) {
     const std::uint32_t number = address / BLOCK_CELLS;
     const unsigned cell = address % BLOCK_CELLS;
     std::size_t slot = FindSlot(number);
-    if (!m_Slots[slot].Has(cell)) {
-        if (m_Slots[slot].IsFree()) {
-            if ((m_BlockCount + 1) * 4 > m_Slots.size() * 3) {
-                AddSlots();
-                slot = FindSlot(number);
-            }
-            ++m_BlockCount;
-        }
-        m_Slots[slot].Insert(number, cell);
+    if (m_Slots[slot].Has(cell)) {
+        return m_Slots[slot];
+    }
+    const bool isNew = m_Slots[slot].IsFree();
+    if (isNew && (m_BlockCount + 1) * 4 > m_Slots.size() * 3) {
+        AddSlots();
+        slot = FindSlot(number);
+    }
+    CBlock& block = m_Slots[slot];
+    block.Insert(number, cell);
+    m_BlockCount += isNew ? 1 : 0;
+    if (IsInZeroRun(number)) { // its cells are present and counted
+        InsertMissing(block);
+    } else {
         ++m_Size;
     }
-    return m_Slots[slot];
+    return block;
+}
+
+void CSparseCells::FillZero(std::uint32_t first, std::uint32_t count) {
+    std::uint64_t address = first;
+    const std::uint64_t end = address + count;
+    for (; address < end && address % BLOCK_CELLS != 0; ++address) {
+        Write(static_cast<std::uint32_t>(address), CWord());
+    }
+    if (end - address >= BLOCK_CELLS) {
+        FillBlocks(static_cast<std::uint32_t>(address / BLOCK_CELLS),
+                   static_cast<std::uint32_t>(end / BLOCK_CELLS - 1));
+        address = end / BLOCK_CELLS * BLOCK_CELLS;
+    }
+    for (; address < end; ++address) {
+        Write(static_cast<std::uint32_t>(address), CWord());
+    }
+}
+
+void CSparseCells::FillBlocks(std::uint32_t first, std::uint32_t last) {
+    std::uint64_t added = std::uint64_t{last} - first + 1; // blocks of which no cell has been counted
+    for (CBlock& block : m_Slots) {
+        if (block.IsFree() || block.Number() < first || block.Number() > last) {
+            continue;
+        }
+        m_Size += InsertMissing(block);
+        for (unsigned cell = 0; cell < BLOCK_CELLS; ++cell) {
+            Write(block.Number() * BLOCK_CELLS + cell, CWord());
+        }
+        added -= IsInZeroRun(block.Number()) ? 0 : 1;
+    }
+    auto run = m_ZeroRuns.upper_bound(first);
+    if (run != m_ZeroRuns.begin() && std::prev(run)->second >= first) {
+        --run;
+    }
+    std::uint32_t joinedFirst = first;
+    std::uint32_t joinedLast = last;
+    while (run != m_ZeroRuns.end() && run->first <= last) {
+        added -= std::uint64_t{std::min(run->second, last)} - std::max(run->first, first) + 1;
+        joinedFirst = std::min(joinedFirst, run->first);
+        joinedLast = std::max(joinedLast, run->second);
+        run = m_ZeroRuns.erase(run);
+    }
+    m_ZeroRuns[joinedFirst] = joinedLast;
+    m_Size += added * BLOCK_CELLS;
+}
+
+bool CSparseCells::IsInZeroRun(std::uint32_t number) const {
+    const auto behind = m_ZeroRuns.upper_bound(number);
+    return behind != m_ZeroRuns.begin() && std::prev(behind)->second >= number;
+}
+
+unsigned CSparseCells::InsertMissing(CBlock& block) {
+    unsigned inserted = 0;
+    for (unsigned cell = 0; cell < BLOCK_CELLS; ++cell) {
+        if (!block.Has(cell)) {
+            block.Insert(block.Number(), cell);
+            ++inserted;
+        }
+    }
+    return inserted;
 }
 
 void CSparseCells::AddSlots() {
@@ -141,26 +207,44 @@ void CSparseCells::AddSlots() {
 CSparseCells::const_iterator CSparseCells::begin() const {
     const_iterator first;
     first.m_Cells = this;
+    std::vector<CSpan>& spans = first.m_Spans;
     for (const CBlock& block : m_Slots) {
         if (!block.IsFree()) {
-            first.m_Blocks.push_back(&block);
+            spans.push_back({block.Number(), block.Number(), &block});
         }
     }
-    std::sort(first.m_Blocks.begin(), first.m_Blocks.end(),
-              [](const CBlock* a, const CBlock* b) { return a->Number() < b->Number(); });
+    const auto byNumber = [](const CSpan& a, const CSpan& b) { return a.m_First < b.m_First; };
+    std::sort(spans.begin(), spans.end(), byNumber);
+    const auto blocks = static_cast<std::ptrdiff_t>(spans.size());
+    for (const auto& [runFirst, runLast] : m_ZeroRuns) { // what lies between the blocks in the table
+        std::uint64_t next = runFirst;
+        auto block = std::lower_bound(spans.begin(), spans.begin() + blocks, CSpan{runFirst, 0, nullptr}, byNumber);
+        for (auto i = block - spans.begin(); i < blocks && spans[static_cast<std::size_t>(i)].m_First <= runLast; ++i) {
+            const std::uint32_t number = spans[static_cast<std::size_t>(i)].m_First;
+            if (next < number) {
+                spans.push_back({static_cast<std::uint32_t>(next), number - 1, nullptr});
+            }
+            next = std::uint64_t{number} + 1;
+        }
+        if (next <= runLast) {
+            spans.push_back({static_cast<std::uint32_t>(next), runLast, nullptr});
+        }
+    }
+    std::sort(spans.begin(), spans.end(), byNumber);
     first.SkipAbsent();
     return first;
 }
 
-CSparseCells::const_iterator CSparseCells::end() const {
-    const_iterator last;
-    last.m_Index = m_BlockCount;
-    return last;
+bool CSparseCells::const_iterator::operator==(const const_iterator& other) const {
+    const bool atEnd = m_Index == m_Spans.size();
+    const bool otherAtEnd = other.m_Index == other.m_Spans.size();
+    return atEnd || otherAtEnd ? atEnd == otherAtEnd : m_Index == other.m_Index && m_Cell == other.m_Cell;
 }
 
 std::pair<std::uint32_t, CSparseCells::CWord> CSparseCells::const_iterator::operator*() const {
-    const CBlock& block = *m_Blocks[m_Index];
-    return {block.Number() * BLOCK_CELLS + m_Cell, m_Cells->Load(block, m_Cell)};
+    const CSpan& span = m_Spans[m_Index];
+    const auto address = static_cast<std::uint32_t>(std::uint64_t{span.m_First} * BLOCK_CELLS + m_Cell);
+    return {address, span.m_Block == nullptr ? CWord() : m_Cells->Load(*span.m_Block, static_cast<unsigned>(m_Cell))};
 }
 
 CSparseCells::const_iterator& CSparseCells::const_iterator::operator++() {
@@ -170,9 +254,11 @@ CSparseCells::const_iterator& CSparseCells::const_iterator::operator++() {
 }
 
 void CSparseCells::const_iterator::SkipAbsent() {
-    for (; m_Index < m_Blocks.size(); ++m_Index, m_Cell = 0) {
-        for (; m_Cell < BLOCK_CELLS; ++m_Cell) {
-            if (m_Blocks[m_Index]->Has(m_Cell)) {
+    for (; m_Index < m_Spans.size(); ++m_Index, m_Cell = 0) {
+        const CSpan& span = m_Spans[m_Index];
+        const std::uint64_t cells = (std::uint64_t{span.m_Last} - span.m_First + 1) * BLOCK_CELLS;
+        for (; m_Cell < cells; ++m_Cell) {
+            if (span.m_Block == nullptr || span.m_Block->Has(static_cast<unsigned>(m_Cell))) {
                 return;
             }
         }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -25,6 +26,9 @@ public:
 
     /// Inserts or overwrites the cell.
     void Write(std::uint32_t address, const CWord& word);
+
+    /// The same as writing zero to count cells from the first on, without taking memory for each.
+    void FillZero(std::uint32_t first, std::uint32_t count);
 
     /// The number of cells present.
     std::size_t size() const { return m_Size; }
@@ -60,15 +64,20 @@ private:
         std::unique_ptr<std::uint64_t[]> m_Words; // of the cells present, in address order
     };
 
+    /// A block, or a run of blocks of zeros that are not in the table.
+    struct CSpan {
+        std::uint32_t m_First; // block number
+        std::uint32_t m_Last;
+        const CBlock* m_Block; // null for a run
+    };
+
 public:
     /// Walks the cells in address order; a cell is a pair of address and word, by value.
     class const_iterator {
     public:
         std::pair<std::uint32_t, CWord> operator*() const;
         const_iterator& operator++();
-        bool operator==(const const_iterator& other) const {
-            return m_Index == other.m_Index && m_Cell == other.m_Cell;
-        }
+        bool operator==(const const_iterator& other) const; // of one map
         bool operator!=(const const_iterator& other) const { return !(*this == other); }
 
     private:
@@ -76,13 +85,13 @@ public:
         void SkipAbsent();
 
         const CSparseCells* m_Cells = nullptr;
-        std::vector<const CBlock*> m_Blocks; // ordered by number
+        std::vector<CSpan> m_Spans; // ordered by number
         std::size_t m_Index = 0;
-        unsigned m_Cell = 0;
+        std::uint64_t m_Cell = 0; // in the span
     };
 
     const_iterator begin() const;
-    const_iterator end() const;
+    const_iterator end() const { return {}; }
 
 private:
     /// The slot of the block, or the free one where it would be.
@@ -91,6 +100,10 @@ private:
     CBlock& BlockWithCell(std::uint32_t address);
     std::size_t FindSlot(std::uint32_t number);
     void AddSlots();
+    /// The number of cells that were absent in the block; they become zero.
+    static unsigned InsertMissing(CBlock& block);
+    void FillBlocks(std::uint32_t first, std::uint32_t last);
+    bool IsInZeroRun(std::uint32_t number) const;
 
     void StoreWide(CBlock& block, unsigned cell, const CWord& word);
     CWord Load(const CBlock& block, unsigned cell) const;
@@ -99,6 +112,8 @@ private:
     std::size_t m_BlockCount = 0;
     std::size_t m_Size = 0;
     std::size_t m_LastSlot = 0; // accesses come in runs
+    // First to last number of runs of blocks whose cells are all present, and zero unless the block is in the table.
+    std::map<std::uint32_t, std::uint32_t> m_ZeroRuns;
     std::deque<CWord> m_WideWords;
     std::vector<std::uint64_t> m_FreeWideWords;
 };

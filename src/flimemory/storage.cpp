@@ -65,4 +65,17 @@ void CStorage::Write(std::uint32_t address, const CWord& value) {
     }
 }
 
+void CStorage::FillZero(std::uint32_t first, std::uint32_t count) {
+    if (m_Words64 == nullptr && m_WordsWide == nullptr) {
+        m_Contents.FillZero(first, count);
+        return;
+    }
+    for (std::uint32_t address = first; address - first < count; ++address) {
+        const bool isZero = m_Words64 != nullptr ? m_Words64[address] == 0 : m_WordsWide[address] == CWord();
+        if (!isZero) {
+            Write(address, CWord());
+        }
+    }
+}
+
 } // namespace marlune::foreign::fli

@@ -35,6 +35,10 @@ public:
     /// an error line to the transcript and changes nothing.
     void Write(std::uint32_t address, const CWord& value);
 
+    /// The same as writing zero to count cells from the first on, all of them inside of the memory. Cells that are zero
+    /// already stay untouched, and sparse ones take no memory for each.
+    void FillZero(std::uint32_t first, std::uint32_t count);
+
     CSparseCells m_Contents;
     CZeroedArray<std::uint64_t> m_Words64;
     CZeroedArray<CWord> m_WordsWide;

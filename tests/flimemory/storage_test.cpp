@@ -69,7 +69,13 @@ TEST(SparseCells, AreAnOrderedMap) {
     for (int i = 0; i < 20000; ++i) {
         // Runs and gaps inside of blocks, blocks close by and far away.
         const auto address = static_cast<std::uint32_t>(i % 2 == 0 ? random() % 3000 : random() & 0xC003F00F);
-        if (random() % 4 == 0) {
+        if (i % 1000 == 999) {
+            const auto count = static_cast<std::uint32_t>(random() % 500);
+            cells.FillZero(address, count);
+            for (std::uint32_t cell = 0; cell < count; ++cell) {
+                model[address + cell] = 0;
+            }
+        } else if (random() % 4 == 0) {
             EXPECT_TRUE(cells.Read(address) == word(model[address]));
         } else {
             const auto seed = static_cast<std::uint32_t>(random());
@@ -85,6 +91,13 @@ TEST(SparseCells, AreAnOrderedMap) {
         ++expected;
     }
     EXPECT_TRUE(expected == model.end());
+
+    CSparseCells zeros; // would not fit one by one
+    zeros.FillZero(1, 0xFFFFFFFE);
+    zeros.Write(0x80000000, CWord(1));
+    EXPECT_EQ(zeros.size(), 0xFFFFFFFE);
+    EXPECT_EQ(zeros.count(0) + zeros.count(1) + zeros.count(0xFFFFFFFE) + zeros.count(0xFFFFFFFF), 2U);
+    EXPECT_TRUE(zeros.Read(0x80000000) == CWord(1) && zeros.Read(0x80000001) == CWord());
 }
 
 } // namespace

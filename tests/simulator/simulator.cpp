@@ -7,6 +7,8 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "svdpi.h"
+
 namespace {
 
 CSimulator* g_Current = nullptr;
@@ -76,10 +78,10 @@ std::string CSimulator::Value(const std::string& name) {
 }
 
 void CSimulator::Elaborate(CInit init, const std::string& path, const std::string& parameters,
-                           const std::vector<std::string>& ports) {
+                           const std::vector<std::string>& ports, const std::string& scope) {
     std::deque<mtiInterfaceListT> list;
     for (const std::string& name : ports) {
-        const mtiSignalIdT signal = Signal(name);
+        const mtiSignalIdT signal = Signal(scope + name);
         list.push_back(
             {const_cast<char*>(name.c_str()), signal != nullptr ? signal->m_Type : nullptr, MTI_DIR_IN, {}, nullptr});
         list.back().u.port = signal;
@@ -138,6 +140,15 @@ void CSimulator::RunCallbacks(CCallbacks& callbacks) {
     for (const auto& [function, argument] : run) {
         function(argument);
     }
+}
+
+void CSimulator::Reset() {
+    m_Now = 0;
+    m_Drivers.clear();
+    m_Processes.clear();
+    m_Regions.clear();
+    m_Signals.clear();
+    m_Types.clear();
 }
 
 void* CSimulator::Lend(const std::string& content) {
@@ -265,4 +276,16 @@ void mti_Command(const char* command) {
 
 void mti_FatalError() {
     Log("fatal");
+}
+
+svLogic svGetBitselLogic(const svLogicVecVal* vector, int bit) {
+    const svLogicVecVal& record = vector[bit / 32];
+    return static_cast<svLogic>(((record.aval >> (bit % 32)) & 1U) | ((record.bval >> (bit % 32)) & 1U) << 1U);
+}
+
+void svPutBitselLogic(svLogicVecVal* vector, int bit, svLogic value) {
+    const std::uint32_t mask = 1U << (bit % 32);
+    svLogicVecVal& record = vector[bit / 32];
+    record.aval = (value & 1U) != 0 ? record.aval | mask : record.aval & ~mask;
+    record.bval = (value & 2U) != 0 ? record.bval | mask : record.bval & ~mask;
 }

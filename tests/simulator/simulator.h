@@ -55,10 +55,11 @@ public:
     mtiSignalIdT Signal(const std::string& name);
     std::string Value(const std::string& name);
 
-    /// Elaborates an instance whose ports are the named signals, in this order; an unknown name is a port left open.
+    /// Elaborates an instance with the ports, in this order; each is connected to the signal of its name behind the
+    /// scope, and one without such a signal is left open.
     using CInit = void (*)(mtiRegionIdT, char*, mtiInterfaceListT*, mtiInterfaceListT*);
     void Elaborate(CInit init, const std::string& path, const std::string& parameters,
-                   const std::vector<std::string>& ports);
+                   const std::vector<std::string>& ports, const std::string& scope = "");
 
     /// Changes signals in one delta cycle of the present time, and runs delta cycles until all is quiet.
     using CChanges = std::vector<std::pair<std::string, std::string>>;
@@ -69,6 +70,8 @@ public:
 
     void Quit() { RunCallbacks(m_QuitCallbacks); }
     void Restart() { RunCallbacks(m_RestartCallbacks); }
+    /// Takes the design down, at time 0 again; only behind a restart.
+    void Reset();
 
     std::string TakeTranscript() { return std::exchange(m_Transcript, ""); }
     std::vector<std::string> TakeLog() { return std::exchange(m_Log, {}); }

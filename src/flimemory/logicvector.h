@@ -1,0 +1,18 @@
+#ifndef MARLUNE_FLIMEMORY_LOGICVECTOR_H
+#define MARLUNE_FLIMEMORY_LOGICVECTOR_H
+
+#include "marlune_int"
+#include "svdpi.h"
+
+namespace marlune::dpi {
+
+/// Sets the target to the low bits of the vector, as many as the width says: bit i of the vector is bit i of the value,
+/// Z and X read as 0, and bits from 1024 on are lost. A width below 1 gives 0.
+void SVLV2CI(marlune_int<1024, true>& target, const t_vpi_vecval* vector, int width);
+
+/// Writes the value's low bits, as many as the width says, to the vector as 0 and 1; the vector's other bits stay.
+void CI2SVLV(t_vpi_vecval* vector, const marlune_int<1024, true>& value, int width);
+
+} // namespace marlune::dpi
+
+#endif

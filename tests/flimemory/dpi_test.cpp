@@ -1,0 +1,171 @@
+#include <cstdio>
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "objectfile/objectfile.h"
+#include "tests/flimemory/library.h"
+#include "tests/flimemory/logictext.h"
+
+namespace {
+
+using ObjectFile::CObjectFile;
+using ObjectFile::CSection;
+
+class CDpi : public testing::Test {
+protected:
+    CDpi() {
+        for (const char* name : {"CLK", "w_WE0"}) {
+            m_Simulator.AddSignal(name, 0);
+        }
+        for (const char* name : {"r_Q0", "w_D0"}) {
+            m_Simulator.AddSignal(name, 8);
+        }
+        for (const char* name : {"r_RA0", "r_RE0", "w_WA0"}) {
+            m_Simulator.AddSignal(name, 4);
+        }
+        Elaborate("/tb/core[0]/mem", "0 8 16");
+        Elaborate("/tb/wide", "0 100 4");
+        m_Simulator.TakeLog();
+    }
+    ~CDpi() override {
+        m_Simulator.Quit();
+        std::remove(m_File.c_str());
+    }
+
+    void Elaborate(const std::string& path, const std::string& parameters) {
+        m_Simulator.Elaborate(MemoryInit(), path, parameters,
+                              {"CLK", "r_Q0", "r_RA0", "r_RE0", "w_D0", "w_WA0", "w_WE0"});
+    }
+
+    /// Writes a program image with these LAUs of 8 bits from address 0 on.
+    void SaveImage(const std::string& bits) {
+        CObjectFile image(8, 1, ObjectFile::BO_BIG, "ram");
+        CSection& section = *image.CreateSection(CSection::TYPE_DATA, ".data");
+        section.SetMemoryByteAddressIsAbsolute(true);
+        section.AddData(bits.c_str());
+        image.SaveFile(m_File);
+    }
+
+    void Init(const char* name, const char* file, const char* space = "ram", unsigned stride = 1) {
+        EntryPoint(marlune_dpi_memory_init, "marlune_dpi_memory_init")(name, file, space, 0, 0, 15, 0, stride);
+    }
+    void Write(const char* name, unsigned address, const std::string& letters) {
+        const CLogicText vector(letters);
+        EntryPoint(marlune_dpi_memory_write, "marlune_dpi_memory_write")(name, address, vector.m_Records.data());
+    }
+    std::string Read(const char* name, unsigned address, const std::string& before = std::string(8, 'x')) {
+        CLogicText vector(before);
+        EntryPoint(marlune_dpi_memory_read, "marlune_dpi_memory_read")(name, address, vector.m_Records.data());
+        return vector.Letters();
+    }
+
+    static constexpr const char* MEMORY = "tb_core_0__mem";
+
+    CSimulator m_Simulator;
+    const std::string m_File = testing::TempDir() + "dpi_test.obj";
+};
+
+TEST_F(CDpi, WritesAndReadsWords) {
+    Write(MEMORY, 3, "1zx01101");
+    EXPECT_EQ(Read(MEMORY, 3, "xxxxxxxxxxxx"), "xxxx10001101"); // the bits above the width stay
+    Write(MEMORY, 3, "111100000001");                           // and are not looked at
+    EXPECT_EQ(Read(MEMORY, 3), "00000001");
+    const std::string wide = "1" + std::string(98, '0') + "1";
+    Write("tb_wide", 3, wide);
+    EXPECT_EQ(Read("tb_wide", 3, std::string(100, 'x')), wide);
+    EXPECT_TRUE(m_Simulator.TakeLog().empty());
+
+    Write(MEMORY, 16, "11111111");
+    EXPECT_EQ(Read(MEMORY, 0x80000000), "00000000");
+    EXPECT_EQ(m_Simulator.TakeTranscript(),
+              "error: 'tb/core[0]/mem': Access outside of memory, address: 16, max value: "
+              "16. Not writing anything.\n"
+              "error: 'tb/core[0]/mem': Access outside of memory, address: -2147483648, "
+              "max value: 16. Returning 0.\n");
+}
+
+TEST_F(CDpi, SharesTheMemoryWithTheClockedPorts) {
+    SaveImage("0000000100000010");
+    Init("/tb/core[0]/mem", m_File.c_str());
+    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Cannot find memory object with name '_tb_core_0__mem'."));
+    Init("tb/core[0]/mem/the_RAM", m_File.c_str()); // cut before "_RAM": not the memory
+    EXPECT_EQ(m_Simulator.TakeLog(),
+              Failure("General error: Cannot find memory object with name 'tb_core_0__mem_the'."));
+    Init("tb/core[0]/mem.RAM_3", m_File.c_str());
+    m_Simulator.Edge({{"r_RA0", "0001"}, {"w_WA0", "0000"}, {"w_D0", "11110000"}, {"w_WE0", "1"}});
+    EXPECT_EQ(m_Simulator.Value("r_Q0"), "00000010");
+    EXPECT_EQ(Read(MEMORY, 0), "00000001"); // not yet committed
+    m_Simulator.Edge({{"w_WE0", "0"}});
+    EXPECT_EQ(Read(MEMORY, 0), "11110000");
+    EXPECT_TRUE(m_Simulator.TakeLog().empty());
+}
+
+TEST_F(CDpi, ReadsAFileOnceUntilRestart) {
+    SaveImage("00000111");
+    Init(MEMORY, m_File.c_str());
+    std::remove(m_File.c_str());
+    Write(MEMORY, 0, "11111111");
+    Init(MEMORY, m_File.c_str());
+    EXPECT_EQ(Read(MEMORY, 0), "00000111");
+    EXPECT_TRUE(m_Simulator.TakeLog().empty());
+
+    m_Simulator.Restart();
+    Read(MEMORY, 0);
+    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Cannot find memory object with name 'tb_core_0__mem'."));
+    m_Simulator.m_Now = 0;
+    Elaborate("/tb/core[0]/mem", "0 8 16");
+    m_Simulator.TakeLog();
+    EXPECT_EQ(Read(MEMORY, 0), "00000000");
+    Init(MEMORY, m_File.c_str());
+    EXPECT_EQ(m_Simulator.TakeLog(), Failure("File '" + m_File + "' could not be opened."));
+    SaveImage("00000101"); // a load that failed is not remembered
+    Init(MEMORY, m_File.c_str());
+    EXPECT_EQ(Read(MEMORY, 0), "00000101");
+}
+
+TEST_F(CDpi, ReportsEachErrorAndGoesOn) {
+    std::ofstream(m_File) << "no object file\n";
+    testing::internal::CaptureStderr();
+    Init(MEMORY, m_File.c_str());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Error: Object file " + m_File + " contains errors and could not be loaded.\n");
+    EXPECT_EQ(m_Simulator.TakeLog(), Failure("std::exception"));
+    SaveImage("00000111");
+    Init("tb.wide", m_File.c_str());
+    EXPECT_EQ(m_Simulator.TakeLog(),
+              Failure("General error: LAU mismatch: memory 'wide' has different LAU bitwidth (100) than data stored in "
+                      "object file '" +
+                      m_File + "' (8)."));
+    Init(MEMORY, m_File.c_str(), "ram", 0);
+    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Stride must be greater than zero."));
+    Init("RAM0", m_File.c_str()); // nothing before "RAM": the name is taken whole
+    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Cannot find memory object with name 'RAM0'."));
+    Init(nullptr, m_File.c_str());
+    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Memory name is a null pointer."));
+    Init(MEMORY, nullptr);
+    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: File name is a null pointer."));
+    EntryPoint(marlune_dpi_memory_read, "marlune_dpi_memory_read")(MEMORY, 0, nullptr);
+    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Data vector is a null pointer."));
+    EntryPoint(marlune_dpi_memory_write, "marlune_dpi_memory_write")(nullptr, 0, nullptr);
+    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Memory name is a null pointer."));
+    Init(MEMORY, m_File.c_str(), nullptr); // an address space without a name: nothing of the image
+    EXPECT_EQ(Read(MEMORY, 0), "00000000");
+    Init(MEMORY, m_File.c_str());
+    EXPECT_EQ(Read(MEMORY, 0), "00000111");
+    EXPECT_TRUE(m_Simulator.TakeLog().empty());
+}
+
+TEST_F(CDpi, OneNormalisedNameIsOneEntry) {
+    Elaborate("/tb/core(0)/mem", "0 8 4"); // takes the entry over, and takes it away when it goes
+    m_Simulator.TakeLog();
+    Write(MEMORY, 9, "11111111");
+    EXPECT_NE(m_Simulator.TakeTranscript().find("'tb/core(0)/mem'"), std::string::npos);
+    const auto [clean, instance] = m_Simulator.m_QuitCallbacks.front(); // of the instance that came first
+    m_Simulator.m_QuitCallbacks.erase(m_Simulator.m_QuitCallbacks.begin());
+    clean(instance);
+    Read(MEMORY, 0);
+    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Cannot find memory object with name 'tb_core_0__mem'."));
+}
+
+} // namespace

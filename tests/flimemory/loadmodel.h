@@ -1,0 +1,32 @@
+#ifndef MARLUNE_TESTS_FLIMEMORY_LOADMODEL_H
+#define MARLUNE_TESTS_FLIMEMORY_LOADMODEL_H
+
+#include <cstdint>
+#include <map>
+#include <random>
+#include <string>
+
+#include "objectfile/objectfile.h"
+#include "objectfile/section.h"
+
+/// Appends an absolute section of the address space "ram" with these bits.
+ObjectFile::CSection& AddSection(ObjectFile::CObjectFile& file, unsigned long long address, const std::string& bits,
+                                 int wordBitSize, int bytesPerWord, ObjectFile::eByteOrder order = ObjectFile::BO_BIG,
+                                 ObjectFile::CSection::eType type = ObjectFile::CSection::TYPE_DATA,
+                                 const std::string& name = ".data");
+
+/// What a load takes; see marlune_dpi_memory_init.
+struct CWindow {
+    unsigned m_CellBase, m_Low, m_High, m_Phase, m_Stride;
+};
+
+/// Fills the file with up to two sections with random contents. Sections and windows lie around a few places, at both
+/// ends of the address range among them.
+void AddRandomSections(ObjectFile::CObjectFile& file, std::mt19937& random, int wordBitSize, int bytesPerWord);
+CWindow RandomWindow(std::mt19937& random);
+
+/// The cells that a load stores, as texts: each LAU of each section is asked on its own whether it is taken.
+std::map<std::uint64_t, std::string> ExpectedCells(const ObjectFile::CObjectFile& file, const CWindow& window,
+                                                   std::uint64_t size);
+
+#endif

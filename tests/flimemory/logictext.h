@@ -1,0 +1,32 @@
+#ifndef MARLUNE_TESTS_FLIMEMORY_LOGICTEXT_H
+#define MARLUNE_TESTS_FLIMEMORY_LOGICTEXT_H
+
+#include <string>
+#include <vector>
+
+#include "svdpi.h"
+
+/// A vector as text, bit 0 last, of the letters 0, 1, z and x.
+class CLogicText {
+public:
+    explicit CLogicText(const std::string& letters) : m_Records((letters.size() + 31) / 32), m_Size(letters.size()) {
+        for (std::size_t i = 0; i < m_Size; ++i) {
+            svPutBitselLogic(m_Records.data(), static_cast<int>(i),
+                             static_cast<svLogic>(std::string("01zx").find(letters[m_Size - 1 - i])));
+        }
+    }
+    std::string Letters() const {
+        std::string letters;
+        for (std::size_t i = m_Size; i-- > 0;) {
+            letters += "01zx"[svGetBitselLogic(m_Records.data(), static_cast<int>(i))];
+        }
+        return letters;
+    }
+
+    std::vector<svLogicVecVal> m_Records;
+
+private:
+    std::size_t m_Size;
+};
+
+#endif

@@ -1,0 +1,181 @@
+#include "tests/flimemory/memorymodel.h"
+
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+#include "tests/flimemory/library.h"
+
+namespace {
+
+constexpr std::size_t CELL_BITS = 1024;
+
+const char* const BITS[] = {"CLK", "a_RE0", "b_WE0", "c_WE0", "c_CS0"};
+const char* const PAIRS[] = {"s_RE0", "s_WE0", "s_CS0"}; // enables of two bits
+const char* const ADDRESSES[] = {"a_RA0", "b_WA0", "c_A0", "s_RA0", "s_WA0", "s_A0"};
+const char* const DATA[] = {"a_Q0", "b_D0", "c_D0", "c_Q0", "s_D0", "s_Q0"};
+
+} // namespace
+
+CMemoryModel::CMemoryModel(CSimulator& simulator, const CShape& shape, std::string path, std::string scope)
+    : m_Shape(shape), m_Scope(std::move(scope)), m_Simulator(simulator), m_Path(std::move(path)) {}
+
+void CMemoryModel::Edge() {
+    m_Outputs = m_Samples;
+    m_Samples.clear();
+    for (const auto& [prefix, write] : m_Pending) {
+        if (write.first >= m_Shape.m_Size) {
+            Complain(write.first, "Not writing anything.");
+        } else {
+            SetCell(write.first, write.second);
+        }
+    }
+    m_Pending.clear();
+    Passes();
+}
+
+void CMemoryModel::Passes() {
+    Read("a", "a_RA0");
+    Read("s", "s_RA0");
+    for (const std::string prefix : {"c", "s"}) {
+        if (IsOne(prefix + "_CS0")) {
+            Read(prefix, prefix + "_A0");
+        }
+    }
+    Record("b", "b_WA0", true);
+    Record("s", "s_WA0", true);
+    Record("c", "c_A0", IsOne("c_CS0"));
+    Record("s", "s_A0", IsOne("s_CS0"));
+}
+
+std::string CMemoryModel::Cell(std::uint64_t address) const {
+    const auto cell = m_Cells.find(address);
+    return cell == m_Cells.end() ? std::string(CELL_BITS, '0') : cell->second;
+}
+
+void CMemoryModel::SetCell(std::uint64_t address, const std::string& value) {
+    const std::size_t kept = m_Shape.m_ByteBitWidth <= 64 && m_Shape.m_Size != 0xFFFFFFFF ? 64 : CELL_BITS;
+    const std::string low = value.substr(value.size() - std::min(value.size(), kept));
+    m_Cells[address] = std::string(CELL_BITS - low.size(), '0') + low;
+}
+
+void CMemoryModel::Complain(std::uint64_t address, const std::string& effect) {
+    m_Transcript += "error: '" + m_Path +
+                    "': Access outside of memory, address: " + std::to_string(static_cast<int>(address)) +
+                    ", max value: " + std::to_string(static_cast<int>(m_Shape.m_Size)) + ". " + effect + "\n";
+}
+
+std::string CMemoryModel::Bits(const std::string& signal) const {
+    std::string bits = m_Simulator.Value(m_Scope + signal);
+    for (char& bit : bits) {
+        bit = bit == '1' ? '1' : '0';
+    }
+    return bits;
+}
+
+void CMemoryModel::Read(const std::string& prefix, const std::string& addressSignal) {
+    const auto address = std::stoull(Bits(addressSignal), nullptr, 2);
+    const std::size_t width = m_Driven.at(prefix).size();
+    std::string word(width, '0');
+    if (address >= m_Shape.m_Size) {
+        Complain(address, "Returning 0.");
+    } else {
+        word = Cell(address).substr(CELL_BITS - width);
+    }
+    if (m_Shape.m_Synchronous) {
+        m_Samples[prefix] = word;
+        word = m_Outputs.emplace(prefix, std::string(width, '0')).first->second;
+    }
+    m_Driven[prefix] = word;
+}
+
+void CMemoryModel::Record(const std::string& prefix, const std::string& address, bool selected) {
+    if (selected && IsOne(prefix + "_WE0")) {
+        m_Pending[prefix] = {std::stoull(Bits(address), nullptr, 2), Bits(prefix + "_D0")};
+    } else {
+        m_Pending.erase(prefix);
+    }
+}
+
+CTestedMemory::CTestedMemory(CSimulator& simulator, std::mt19937& random, const CShape& shape, const std::string& path,
+                             const std::string& scope)
+    : m_Model(simulator, shape, path, scope), m_Simulator(simulator), m_Random(random) {
+    std::vector<std::string> ports;
+    const auto add = [&](const char* name, int length) {
+        simulator.AddSignal(scope + name, length);
+        ports.emplace_back(name);
+    };
+    for (const char* name : BITS) {
+        add(name, 0);
+    }
+    for (const char* name : PAIRS) {
+        add(name, 2);
+    }
+    for (const char* name : ADDRESSES) {
+        add(name, shape.m_AddressBits);
+    }
+    for (const char* name : DATA) {
+        add(name, shape.m_DataBits);
+    }
+    for (const char* prefix : {"a", "c", "s"}) {
+        m_Model.m_Driven[prefix] = simulator.Value(scope + prefix + "_Q0");
+    }
+    simulator.Elaborate(MemoryInit(), "/" + path,
+                        std::to_string(static_cast<int>(shape.m_Synchronous)) + " " +
+                            std::to_string(shape.m_ByteBitWidth) + " " + std::to_string(shape.m_Size),
+                        ports, scope);
+}
+
+void CTestedMemory::Clock() {
+    const std::string clock = m_Model.m_Scope + "CLK";
+    m_Simulator.AdvanceTo(m_Simulator.m_Now + 4);
+    ChangeInputs(); // between edges: nothing happens
+    m_Simulator.AdvanceTo(m_Simulator.m_Now + 1);
+    m_Simulator.Set({{clock, "1"}});
+    m_Model.Edge();
+    Compare();
+    for (auto deltas = m_Random() % 3; deltas > 0; --deltas) {
+        if (ChangeInputs()) {
+            m_Model.Passes();
+        }
+        Compare();
+    }
+    m_Simulator.AdvanceTo(m_Simulator.m_Now + 5);
+    m_Simulator.Set({{clock, "0"}});
+    Compare();
+}
+
+void CTestedMemory::Compare() {
+    for (const auto& [prefix, word] : m_Model.m_Driven) {
+        ASSERT_EQ(m_Simulator.Value(m_Model.m_Scope + prefix + "_Q0"), word) << prefix << " at " << m_Simulator.m_Now;
+    }
+    ASSERT_EQ(m_Simulator.TakeTranscript(), std::exchange(m_Model.m_Transcript, "")) << "at " << m_Simulator.m_Now;
+}
+
+/// Changes some inputs; whether one of them wakes the process, which a read enable does not.
+bool CTestedMemory::ChangeInputs() {
+    bool wakes = false;
+    CSimulator::CChanges changes;
+    for (const char* port : {"a_RE0", "b_WE0", "c_WE0", "c_CS0", "s_RE0", "s_WE0", "s_CS0", "a_RA0", "b_WA0", "c_A0",
+                             "s_RA0", "s_WA0", "s_A0", "b_D0", "c_D0", "s_D0"}) {
+        if (m_Random() % 3 != 0) {
+            const std::string name = port;
+            const std::string old = m_Simulator.Value(m_Model.m_Scope + name);
+            const std::string letters = RandomLetters(old.size(), name.find("A0") != std::string::npos);
+            changes.emplace_back(m_Model.m_Scope + name, letters);
+            wakes |= name.find("RE0") == std::string::npos && letters != old;
+        }
+    }
+    m_Simulator.Set(changes);
+    return wakes;
+}
+
+/// Addresses fall into a few places, low and high, so that cells are met again.
+std::string CTestedMemory::RandomLetters(std::size_t length, bool isAddress) {
+    std::string letters;
+    const auto high = m_Random() % 5 == 0 ? '1' : '0';
+    for (std::size_t i = 0; i < length; ++i) {
+        letters += isAddress && length - i > 2 ? high : "0011111X0H"[m_Random() % 10];
+    }
+    return letters;
+}
