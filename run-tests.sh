@@ -17,6 +17,7 @@ need_packages "the tests in simulators" ghdl ghdl
 need_packages "the tests in simulators" iverilog iverilog
 need_packages "the tests in simulators" verilator verilator
 need_packages "the image tool" /usr/include/CLI/CLI.hpp libcli11-dev
+need_packages "the image tool" /usr/include/nlohmann/json.hpp nlohmann-json3-dev
 if [[ ${1-} == --all ]]; then
     need_packages "the benchmarks" /usr/include/benchmark/benchmark.h libbenchmark-dev
     need_packages "the second compiler and the fuzz targets" clang++ clang

@@ -1,0 +1,73 @@
+#include "tools/cells.h"
+
+#include <algorithm>
+
+namespace marlune::tool {
+
+CCells::CCells(std::string name, std::uint32_t width, std::uint32_t size)
+    : m_Name(std::move(name)), m_ByteBitWidth(width), m_Size(size), m_Limbs((width + 31) / 32) {}
+
+void CCells::Write(std::uint32_t cell, const CWord& value) {
+    Note(cell, 1);
+    auto page = m_Pages.find(cell / PAGE_CELLS);
+    if (page == m_Pages.end()) {
+        if (value.IsZeroFrom(0)) {
+            return;
+        }
+        page = m_Pages.emplace(cell / PAGE_CELLS, std::vector<std::uint32_t>(std::size_t{m_Limbs} * PAGE_CELLS)).first;
+    }
+    std::uint32_t* limbs = &page->second[std::size_t{cell % PAGE_CELLS} * m_Limbs];
+    for (unsigned i = 0; i < m_Limbs; ++i) {
+        limbs[i] = value.Limb(i);
+    }
+    if (m_ByteBitWidth % 32 != 0) {
+        limbs[m_Limbs - 1] &= (1U << (m_ByteBitWidth % 32)) - 1;
+    }
+}
+
+void CCells::FillZero(std::uint32_t first, std::uint32_t count) {
+    Note(first, count);
+    const std::uint64_t end = std::uint64_t{first} + count;
+    for (auto page = m_Pages.lower_bound(first / PAGE_CELLS); page != m_Pages.end(); ++page) {
+        const std::uint64_t pageFirst = std::uint64_t{page->first} * PAGE_CELLS;
+        if (pageFirst >= end) {
+            break;
+        }
+        const std::uint64_t from = std::max<std::uint64_t>(first, pageFirst) - pageFirst;
+        const std::uint64_t to = std::min(end - pageFirst, std::uint64_t{PAGE_CELLS});
+        std::fill(&page->second[from * m_Limbs], &page->second[0] + to * m_Limbs, 0U);
+    }
+}
+
+void CCells::Note(std::uint32_t first, std::uint32_t count) {
+    if (m_Runs.empty() || m_Runs.back().m_End != first) {
+        m_Runs.push_back({first, first});
+    }
+    m_Runs.back().m_End += count;
+}
+
+std::uint32_t CCells::Limb(std::uint32_t cell, unsigned index) const {
+    const auto page = m_Pages.find(cell / PAGE_CELLS);
+    return page == m_Pages.end() ? 0 : page->second[std::size_t{cell % PAGE_CELLS} * m_Limbs + index];
+}
+
+std::uint32_t CCells::NextPage(std::uint32_t cell) const {
+    const auto page = m_Pages.lower_bound(cell / PAGE_CELLS);
+    return page == m_Pages.end() ? m_Size : std::max(cell, page->first * PAGE_CELLS);
+}
+
+std::vector<CCells::SRun> CCells::WrittenRuns() const {
+    std::vector<SRun> sorted = m_Runs;
+    std::sort(sorted.begin(), sorted.end(), [](const SRun& a, const SRun& b) { return a.m_First < b.m_First; });
+    std::vector<SRun> joined;
+    for (const SRun& run : sorted) {
+        if (joined.empty() || run.m_First > joined.back().m_End) {
+            joined.push_back(run);
+        } else {
+            joined.back().m_End = std::max(joined.back().m_End, run.m_End);
+        }
+    }
+    return joined;
+}
+
+} // namespace marlune::tool

@@ -1,0 +1,172 @@
+#include <array>
+#include <iostream>
+#include <limits>
+#include <map>
+#include <stdexcept>
+
+#include "tools/commands.h"
+#include "tools/image.h"
+#include "tools/layout.h"
+#include "tools/progress.h"
+#include "tools/table.h"
+#include "tools/text.h"
+
+namespace marlune::tool {
+namespace {
+
+using ObjectFile::CSection;
+using ObjectFile::CSectionData;
+
+constexpr int MOST_BITS = 1024; // of a memory's cell
+
+/// What the check of LAU widths wants to know of a memory.
+struct SMemory {
+    std::string m_Name;
+    std::uint32_t m_ByteBitWidth;
+};
+
+class CChecker {
+public:
+    CChecker(const ObjectFile::CObjectFile& image, const SOptions& options)
+        : m_Image(image), m_Options(options),
+          m_Table({{"Finding", "severity"}, {"Section", "section"}, {"What", "text"}}) {}
+
+    void Run() {
+        for (int i = 0; i < m_Image.SectionsCount(); ++i) {
+            CheckSection(*m_Image.GetSection(i));
+        }
+        CheckOverlaps();
+        if (m_Loaded == 0) {
+            const std::string where =
+                m_Options.m_Space ? " of address space '" + Printable(*m_Options.m_Space) + "'" : "";
+            Warn("", "nothing would be loaded: there is no section" + where + " for it");
+        }
+    }
+
+    int Report() const {
+        if (m_Options.m_Json) {
+            PrintJson({{"file", m_Options.m_File},
+                       {"ok", m_Errors == 0},
+                       {"sections", m_Image.SectionsCount()},
+                       {"loaded", m_Loaded},
+                       {"findings", m_Table.Json()}});
+        } else {
+            m_Table.Print(std::cout);
+            std::cout << (m_Table.IsEmpty() ? "" : "\n") << Printable(m_Options.m_File) << ": " << m_Loaded << " of "
+                      << Counted(static_cast<std::uint64_t>(m_Image.SectionsCount()), "section") << " to load, "
+                      << Counted(m_Errors, "error") << ", " << Counted(m_Warnings, "warning") << '\n';
+        }
+        return m_Errors == 0 ? STATUS_OK : STATUS_BAD;
+    }
+
+private:
+    void Error(const std::string& section, const std::string& text) {
+        m_Table.AddRow({"error", section, text});
+        ++m_Errors;
+    }
+    void Warn(const std::string& section, const std::string& text) {
+        m_Table.AddRow({"warning", section, text});
+        ++m_Warnings;
+    }
+
+    void CheckSection(const CSection& section) {
+        const std::string& space = section.GetAddressSpaceName();
+        try {
+            if (!foreign::IsLoaded(section, m_Options.m_Space.value_or(space), false)) {
+                const std::string reason = ReasonLeftOut(section);
+                const std::string otherSpace = "in another address space, '" + Printable(space) + "'";
+                m_Table.AddRow({"left out", section.GetName(), reason.empty() ? otherSpace : reason});
+                return;
+            }
+            ++m_Loaded;
+            if (UnitCount(section) > 0) {
+                CheckUnits(section);
+            }
+        } catch (const std::exception& error) {
+            Error(section.GetName(), error.what());
+        }
+        if (section.GetMemoryByteAddress() > std::numeric_limits<std::uint32_t>::max()) {
+            Warn(section.GetName(),
+                 "of its address " + Hex(section.GetMemoryByteAddress()) + " a load takes only the low 32 bits");
+        }
+        if (section.RelocationCount() > 0) {
+            Warn(section.GetName(), "a load does not apply its " +
+                                        Counted(static_cast<std::uint64_t>(section.RelocationCount()), "relocation"));
+        }
+    }
+
+    /// The LAUs' width, and that each of them is a number.
+    void CheckUnits(const CSection& section) {
+        const CSectionData& data = *section.GetSectionData();
+        // Without a width to compare with, all sections of an address space must agree with its first.
+        const auto first = m_Widths
+                               .try_emplace(section.GetAddressSpaceName(),
+                                            m_Options.m_Width.value_or(static_cast<unsigned>(data.GetByteLength(0))))
+                               .first;
+        foreign::CheckUnitWidth(SMemory{"memory", first->second}, m_Image, data);
+        if (section.GetType() == CSection::TYPE_BSS) {
+            return; // zeros, and maybe very many
+        }
+        CheckDigits(section, data);
+    }
+
+    /// The first LAU that a load stops at or misreads.
+    void CheckDigits(const CSection& section, const CSectionData& data) {
+        if (data.GetByteBitSize() > MOST_BITS) {
+            Warn(section.GetName(), "of its " + std::to_string(data.GetByteBitSize()) +
+                                        "-bit LAUs a memory keeps only the low " + std::to_string(MOST_BITS) + " bits");
+            return;
+        }
+        std::array<std::uint64_t, MOST_BITS / 64> limbs{};
+        for (int unit = 0; unit < data.GetByteCount(); ++unit) {
+            if (data.GetByteBits(unit, limbs.data())) {
+                continue;
+            }
+            const std::string where = "the LAU at " + Hex(section.GetMemoryByteAddress() + static_cast<unsigned>(unit));
+            try {
+                const std::string digits = data.GetByte(unit);
+                if (digits.find_first_not_of("01") != std::string::npos) {
+                    Warn(section.GetName(), where + " has digits other than 0 and 1: " + Printable(digits));
+                    return;
+                }
+            } catch (const std::out_of_range&) {
+                Error(section.GetName(), where + " lies behind the end of its line, where a load stops");
+                return;
+            }
+        }
+    }
+
+    void CheckOverlaps() {
+        for (const SSpace& space : LayOut(m_Image, false)) {
+            for (const SPiece& piece : space.m_Pieces) {
+                if (piece.m_Overlaps != nullptr && space.m_Name == m_Options.m_Space.value_or(space.m_Name)) {
+                    Warn(piece.m_Section->GetName(), "overlaps " + Printable(piece.m_Overlaps->GetName()) + " from " +
+                                                         Hex(piece.m_First) +
+                                                         " on; the later section in the file wins");
+                }
+            }
+        }
+    }
+
+    const ObjectFile::CObjectFile& m_Image;
+    const SOptions& m_Options;
+    CTable m_Table;
+    std::map<std::string, std::uint32_t> m_Widths; // of a LAU, by address space
+    std::uint64_t m_Loaded = 0;
+    std::uint64_t m_Errors = 0;
+    std::uint64_t m_Warnings = 0;
+};
+
+} // namespace
+
+int RunCheck(const SOptions& options) {
+    const auto image = LoadImage(options.m_File);
+    CChecker checker(*image, options);
+    {
+        const CProgress progress("checking " + options.m_File, CProgress::READING, 0);
+        checker.Run();
+    }
+    return checker.Report();
+}
+
+} // namespace marlune::tool

@@ -1,0 +1,42 @@
+// The sub-commands. Each prints its result on standard output and returns the exit status: STATUS_OK or STATUS_BAD.
+// What keeps it from answering at all is thrown as an exception derived from std::exception.
+#ifndef MARLUNE_TOOLS_COMMANDS_H
+#define MARLUNE_TOOLS_COMMANDS_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "src/flimemory/loadmemory.h"
+
+namespace marlune::tool {
+
+constexpr int STATUS_OK = 0;
+constexpr int STATUS_BAD = 1;   // a bad image, or one that such a memory refuses
+constexpr int STATUS_USAGE = 2; // wrong usage
+
+/// What the command line says; each sub-command looks at what it knows.
+struct SOptions {
+    std::string m_File;
+    std::string m_Output; // empty for standard output
+    bool m_Json = false;
+    std::optional<std::string> m_Space;   // address space that the memory loads
+    std::optional<std::uint32_t> m_Width; // bits of one LAU, that is of one cell, 1 to 1024
+    std::uint32_t m_Size = 0;             // cells
+    foreign::CLoadWindow m_Window{0, 0, 0xFFFFFFFF, 0, 1};
+    std::string m_Format = "hex";
+    bool m_All = false; // also the cells that nothing was loaded into
+    std::string m_Svg;  // file for a drawing; empty for none
+};
+
+int RunInfo(const SOptions& options);
+int RunSymbols(const SOptions& options);
+int RunLines(const SOptions& options);
+int RunCheck(const SOptions& options);
+int RunConvert(const SOptions& options);
+int RunDump(const SOptions& options);
+int RunMap(const SOptions& options);
+
+} // namespace marlune::tool
+
+#endif

@@ -1,0 +1,145 @@
+#include "tools/image.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <new>
+#include <system_error>
+
+#include <unistd.h>
+
+#include "objectfile/elfimport.h"
+#include "tools/progress.h"
+#include "tools/text.h"
+
+namespace marlune::tool {
+namespace {
+
+using ObjectFile::CSection;
+
+std::string WithPlace(const std::string& path, std::optional<long> line, const std::string& text) {
+    return Printable(path) + (line ? ":" + std::to_string(*line) : "") + ": " + text;
+}
+
+/// Messages of the ELF import end in line ends.
+std::string WithoutLineEnd(std::string text) {
+    text.erase(text.find_last_not_of('\n') + 1);
+    return text;
+}
+
+/// The file is opened more than once, and to open a pipe could wait for ever.
+void RequireReadableFile(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    std::string reason;
+    if (error) {
+        reason = error.message();
+    } else if (std::filesystem::is_directory(status)) {
+        reason = "is a folder";
+    } else if (!std::filesystem::is_regular_file(status)) {
+        reason = "is not a regular file; store a pipe's contents in a file first";
+    } else if (access(path.c_str(), R_OK) != 0) {
+        reason = std::generic_category().message(errno);
+    }
+    if (!reason.empty()) {
+        throw CImageError(path, std::nullopt, reason);
+    }
+}
+
+/// What line `number` (counted from 1) reads, for a message.
+std::string Quoted(const std::string& path, long number) {
+    constexpr std::size_t MOST = 60;
+    std::ifstream file(path);
+    for (long line = 1; line < number && file; ++line) {
+        file.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+    }
+    std::array<char, MOST + 1> text{};
+    file.getline(text.data(), text.size());
+    return ", it reads: " + Printable(text.data());
+}
+
+void LoadText(const std::string& path, ObjectFile::CObjectFile& image) {
+    ObjectFile::CInputStream in(path, '\n');
+    const auto fail = [&](long line, const std::string& text, const std::string& remark) {
+        throw CImageError(path, line, text + remark + Quoted(path, line));
+    };
+    try {
+        image.LoadFromStream(in);
+    } catch (const ObjectFile::syntax_error& error) {
+        if (error.GetLine() == 0 && in.GetLineCounter() > 1) {
+            throw CImageError(path, std::nullopt, std::string(error.what()) + " (no line can be named)");
+        }
+        fail(error.GetLine() + 1L, error.what(), " (counted from 0)");
+    } catch (const ObjectFile::file_error& error) {
+        throw CImageError(path, in.GetLineCounter() + 1L, error.what());
+    } catch (const ObjectFile::invalid_format& error) {
+        // A name shorter than announced is found before its line counts as consumed.
+        const bool counted = std::string(error.what()) != "Invalid string length";
+        fail(in.GetLineCounter() + (counted ? 0L : 1L), error.what(), "");
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& error) {
+        fail(in.GetLineCounter(), error.what(), "");
+    }
+}
+
+} // namespace
+
+CImageError::CImageError(const std::string& path, std::optional<long> line, const std::string& text)
+    : std::runtime_error(WithPlace(path, line, text)), m_Line(line), m_Text(text) {}
+
+std::unique_ptr<ObjectFile::CObjectFile> LoadImage(const std::string& path) {
+    RequireReadableFile(path);
+    const CProgress progress("reading " + path, CProgress::READING, FileSize(path));
+    auto image = std::make_unique<ObjectFile::CObjectFile>();
+    try {
+        if (ObjectFile::IsElfFile(path)) {
+            image->LoadFile(path);
+        } else {
+            image->SetFileName(path);
+            LoadText(path, *image);
+        }
+    } catch (const CImageError&) {
+        throw;
+    } catch (const std::bad_alloc&) {
+        throw CImageError(path, std::nullopt, "there is not enough memory for it");
+    } catch (const std::exception& error) {
+        throw CImageError(path, std::nullopt, WithoutLineEnd(error.what()));
+    }
+    return image;
+}
+
+std::uint64_t FileSize(const std::string& path) {
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    return error ? 0 : size;
+}
+
+std::string TypeName(CSection::eType type) {
+    static const std::array<const char*, 6> NAMES{"none", "text", "data", "bss", "debug", "info"};
+    return NAMES.at(static_cast<std::size_t>(type));
+}
+
+std::uint64_t UnitBits(const CSection& section) {
+    const int bytes = section.GetBytesPerWord();
+    return bytes > 0 && section.GetWordBitSize() > 0 ? static_cast<std::uint64_t>(section.GetWordBitSize() / bytes) : 0;
+}
+
+std::uint64_t UnitCount(const CSection& section) {
+    return static_cast<std::uint64_t>(std::max(section.GetSectionDataByteCount(), 0));
+}
+
+std::string ReasonLeftOut(const CSection& section) {
+    if (section.GetType() == CSection::TYPE_DEBUG || section.GetType() == CSection::TYPE_INFO) {
+        return TypeName(section.GetType()) + " section";
+    }
+    if (section.IsStack(false)) {
+        return "stack section";
+    }
+    return section.IsHeap(false) ? "heap section" : "";
+}
+
+} // namespace marlune::tool

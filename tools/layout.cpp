@@ -1,0 +1,77 @@
+#include "tools/layout.h"
+
+#include <algorithm>
+
+#include "tools/image.h"
+#include "tools/text.h"
+
+namespace marlune::tool {
+namespace {
+
+using ObjectFile::CSection;
+
+bool IsPlaced(const CSection& section, bool withStackAndHeap) {
+    const bool stackOrHeap = section.IsStack(false) || section.IsHeap(false);
+    const bool leftOut = stackOrHeap ? !withStackAndHeap : !ReasonLeftOut(section).empty();
+    return !leftOut && section.GetMemoryByteAddressIsAbsolute() && UnitCount(section) > 0;
+}
+
+/// Sorts the sections, finds overlaps and puts in the gaps.
+void Arrange(SSpace& space) {
+    std::stable_sort(space.m_Pieces.begin(), space.m_Pieces.end(),
+                     [](const SPiece& a, const SPiece& b) { return a.m_First < b.m_First; });
+    std::vector<SPiece> arranged;
+    const CSection* highest = nullptr; // the section that ends at space.m_End
+    for (SPiece piece : space.m_Pieces) {
+        if (highest != nullptr && piece.m_First < space.m_End) {
+            piece.m_Overlaps = highest;
+        } else if (highest != nullptr && piece.m_First > space.m_End) {
+            arranged.push_back({nullptr, space.m_End, piece.m_First - space.m_End, nullptr});
+        }
+        if (highest == nullptr || piece.End() > space.m_End) {
+            highest = piece.m_Section;
+            space.m_End = piece.End();
+        }
+        arranged.push_back(piece);
+    }
+    space.m_Pieces = std::move(arranged);
+}
+
+} // namespace
+
+std::vector<SSpace> LayOut(const ObjectFile::CObjectFile& image, bool withStackAndHeap) {
+    std::vector<SSpace> spaces;
+    for (int i = 0; i < image.SectionsCount(); ++i) {
+        const CSection& section = *image.GetSection(i);
+        if (!IsPlaced(section, withStackAndHeap)) {
+            continue;
+        }
+        auto space = std::find_if(spaces.begin(), spaces.end(),
+                                  [&](const SSpace& s) { return s.m_Name == section.GetAddressSpaceName(); });
+        if (space == spaces.end()) {
+            space = spaces.insert(space, SSpace{section.GetAddressSpaceName(), {}, 0});
+        }
+        const auto address = static_cast<std::uint32_t>(section.GetMemoryByteAddress());
+        space->m_Pieces.push_back({&section, address, UnitCount(section), nullptr});
+    }
+    for (SSpace& space : spaces) {
+        Arrange(space);
+    }
+    return spaces;
+}
+
+std::string Heading(const SSpace& space) {
+    std::uint64_t gaps = 0;
+    for (const SPiece& piece : space.m_Pieces) {
+        gaps += piece.m_Section == nullptr ? piece.m_Count : 0;
+    }
+    const std::uint64_t extent = space.m_End - space.First();
+    return "address space '" + Printable(space.m_Name) + "': " + Hex(space.First()) + " to " + Hex(space.m_End - 1) +
+           ", " + std::to_string(extent - gaps) + " of " + Counted(extent, "LAU") + " in use";
+}
+
+std::uint64_t Scaled(const SSpace& space, std::uint64_t address, std::uint64_t length) {
+    return (address - space.First()) * length / (space.m_End - space.First());
+}
+
+} // namespace marlune::tool

@@ -1,0 +1,43 @@
+#ifndef MARLUNE_TOOLS_LAYOUT_H
+#define MARLUNE_TOOLS_LAYOUT_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "objectfile/objectfile.h"
+
+namespace marlune::tool {
+
+/// A range of LAU addresses: those of a section, or of a gap between sections when there is none.
+struct SPiece {
+    const ObjectFile::CSection* m_Section = nullptr;
+    std::uint64_t m_First = 0;
+    std::uint64_t m_Count = 0;
+    const ObjectFile::CSection* m_Overlaps = nullptr; // a section before it that it shares addresses with
+
+    std::uint64_t End() const { return m_First + m_Count; }
+};
+
+/// An address space: its sections and the gaps between them by ascending address, borrowed from the image.
+struct SSpace {
+    std::string m_Name;
+    std::vector<SPiece> m_Pieces;
+    std::uint64_t m_End = 0; // behind the highest address in use
+
+    std::uint64_t First() const { return m_Pieces.front().m_First; }
+};
+
+/// The address spaces in the order of their first sections, with those sections that have contents, a fixed address
+/// and a place in memory; stack and heap only if asked for. Addresses are the low 32 bits, as a load takes them.
+std::vector<SSpace> LayOut(const ObjectFile::CObjectFile& image, bool withStackAndHeap);
+
+/// "address space 'ram': 0x0 to 0xfff, 96 of 4096 LAUs in use".
+std::string Heading(const SSpace& space);
+
+/// Where a piece begins or ends on a scale of `length` steps that spans the address space.
+std::uint64_t Scaled(const SSpace& space, std::uint64_t address, std::uint64_t length);
+
+} // namespace marlune::tool
+
+#endif

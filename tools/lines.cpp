@@ -1,0 +1,36 @@
+#include <iostream>
+
+#include "tools/commands.h"
+#include "tools/image.h"
+#include "tools/table.h"
+
+namespace marlune::tool {
+namespace {
+
+/// A row may name a file that its table does not have.
+CField FileName(const ObjectFile::CLineTable& lines, int index) {
+    const auto& names = lines.GetFileNames();
+    return index >= 0 && static_cast<std::size_t>(index) < names.size() ? CField(names[static_cast<std::size_t>(index)])
+                                                                        : CField();
+}
+
+} // namespace
+
+int RunLines(const SOptions& options) {
+    const auto image = LoadImage(options.m_File);
+    CTable table({{"Address", "address", true}, {"File", "file"}, {"Line", "line", true}, {"End", "end_of_sequence"}});
+    if (const ObjectFile::CLineTable* lines = image->GetLineTable()) {
+        for (const ObjectFile::CLineInfo& row : lines->GetRows()) {
+            table.AddRow({SHex{row.m_Address}, FileName(*lines, row.m_FileIndex), std::to_string(row.m_Line),
+                          row.m_EndOfSequence});
+        }
+    }
+    if (options.m_Json) {
+        PrintJson({{"file", options.m_File}, {"lines", table.Json()}});
+    } else {
+        table.Print(std::cout);
+    }
+    return STATUS_OK;
+}
+
+} // namespace marlune::tool

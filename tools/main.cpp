@@ -1,0 +1,120 @@
+// marlune-image: looks into program image files, checks, converts, dumps and draws them.
+#include <array>
+#include <iostream>
+#include <new>
+
+#include <CLI/CLI.hpp>
+
+#include "tools/commands.h"
+#include "tools/image.h"
+#include "tools/table.h"
+
+namespace marlune::tool {
+namespace {
+
+void AddJson(CLI::App& app, SOptions& options) {
+    app.add_flag("--json", options.m_Json, "print JSON for scripts");
+}
+
+void AddMemory(CLI::App& app, SOptions& options, bool required) {
+    app.add_option("--space", options.m_Space, "address space that the memory loads")->required(required);
+    app.add_option("--width", options.m_Width, "bits of one LAU of the memory")
+        ->required(required)
+        ->check(CLI::Range(1, 1024));
+}
+
+void AddCheck(CLI::App& app, SOptions& options) {
+    AddJson(app, options);
+    AddMemory(app, options, false);
+}
+
+void AddConvert(CLI::App& app, SOptions& options) {
+    app.add_option("OUT", options.m_Output, "text object file to write")->required();
+}
+
+void AddDump(CLI::App& app, SOptions& options) {
+    AddMemory(app, options, true);
+    foreign::CLoadWindow& window = options.m_Window;
+    app.add_option("--size", options.m_Size, "cells of the memory")->required()->check(CLI::PositiveNumber);
+    app.add_option("--cell-base", window.m_CellBase, "LAU offset of the memory (0)");
+    app.add_option("--low", window.m_LowAddress, "first LAU address taken (0)");
+    app.add_option("--high", window.m_HighAddress, "last LAU address taken (0xffffffff)");
+    app.add_option("--phase", window.m_Phase, "first LAU taken of each group (0)");
+    app.add_option("--stride", window.m_Stride, "LAUs of a group, of which one is taken (1)")
+        ->check(CLI::PositiveNumber);
+    app.add_option("--format", options.m_Format, "hex (for people), bin (bytes) or readmemh (for $readmemh)")
+        ->check(CLI::IsMember({"hex", "bin", "readmemh"}));
+    app.add_flag("--all", options.m_All, "every cell of the memory, not only those loaded into");
+    app.add_option("-o,--output", options.m_Output, "file to write instead of standard output");
+}
+
+void AddMap(CLI::App& app, SOptions& options) {
+    AddJson(app, options);
+    app.add_option("--svg", options.m_Svg, "also draw it into this SVG file");
+}
+
+struct SCommand {
+    const char* m_Name;
+    const char* m_Text;
+    int (*m_Run)(const SOptions& options);
+    void (*m_AddOptions)(CLI::App& app, SOptions& options);
+};
+constexpr std::array<SCommand, 7> COMMANDS{
+    {{"info", "kind, memory organization, entry point, sections and counts", RunInfo, AddJson},
+     {"symbols", "the symbols", RunSymbols, AddJson},
+     {"lines", "the assembly line table", RunLines, AddJson},
+     {"check", "what is wrong with an image, and what a load leaves out", RunCheck, AddCheck},
+     {"convert", "write an image as text object file", RunConvert, AddConvert},
+     {"dump", "the cells of a memory after a load of the image", RunDump, AddDump},
+     {"map", "a picture of each address space", RunMap, AddMap}}};
+
+/// A script that asked for JSON gets the reason for a failure as JSON, too.
+int RunCommand(const SCommand& command, const SOptions& options) {
+    try {
+        return command.m_Run(options);
+    } catch (const CImageError& error) {
+        if (options.m_Json) {
+            const CJson line = error.m_Line ? CJson(*error.m_Line) : CJson();
+            PrintJson({{"file", options.m_File}, {"error", {{"line", line}, {"text", error.m_Text}}}});
+        }
+        throw;
+    }
+}
+
+int Run(int argc, char** argv) {
+    CLI::App app("Looks into program image files of the marlune memory models.", "marlune-image");
+    app.set_version_flag("--version", "marlune-image " MARLUNE_VERSION);
+    app.require_subcommand(1);
+    SOptions options;
+    const SCommand* chosen = nullptr;
+    for (const SCommand& command : COMMANDS) {
+        CLI::App* sub = app.add_subcommand(command.m_Name, command.m_Text);
+        sub->add_option("FILE", options.m_File, "image: ELF or text object file")->required();
+        command.m_AddOptions(*sub, options);
+        sub->callback([&] { chosen = &command; });
+    }
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? STATUS_OK : STATUS_USAGE;
+    }
+    const int status = RunCommand(*chosen, options);
+    if (!std::cout.flush()) {
+        throw std::runtime_error("cannot write standard output");
+    }
+    return status;
+}
+
+} // namespace
+} // namespace marlune::tool
+
+int main(int argc, char** argv) {
+    try {
+        return marlune::tool::Run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        std::cerr << "marlune-image: there is not enough memory\n";
+    } catch (const std::exception& error) {
+        std::cerr << "marlune-image: " << error.what() << '\n';
+    }
+    return marlune::tool::STATUS_BAD;
+}

@@ -1,0 +1,43 @@
+#ifndef MARLUNE_TOOLS_PROGRESS_H
+#define MARLUNE_TOOLS_PROGRESS_H
+
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace marlune::tool {
+
+/// While it lives, a line on standard error says how far a long piece of work has come, if that is a terminal. Work
+/// that takes less than half a second shows nothing.
+class CProgress {
+public:
+    enum eDirection { READING, WRITING };
+
+    /// The work ends when this process has read or written `totalBytes` more; 0 when that is not known. `what` names
+    /// the work. The bytes are those that the system counts for the process, so no reader or writer has to report.
+    CProgress(std::string what, eDirection direction, std::uint64_t totalBytes);
+    CProgress(const CProgress&) = delete;
+    CProgress& operator=(const CProgress&) = delete;
+    CProgress(CProgress&&) = delete;
+    CProgress& operator=(CProgress&&) = delete;
+    ~CProgress();
+
+private:
+    void Show();
+    std::uint64_t CountedBytes() const;
+
+    const std::string m_What;
+    const eDirection m_Direction;
+    const std::uint64_t m_TotalBytes;
+    const std::uint64_t m_StartBytes;
+    std::mutex m_Mutex;
+    std::condition_variable m_Wake;
+    bool m_Done = false;
+    std::thread m_Thread;
+};
+
+} // namespace marlune::tool
+
+#endif

@@ -1,0 +1,101 @@
+#include "tools/table.h"
+
+#include <algorithm>
+#include <iostream>
+
+#include "tools/text.h"
+
+namespace marlune::tool {
+namespace {
+
+struct SToText {
+    std::string operator()(std::monostate /*nothing*/) const { return "-"; }
+    std::string operator()(const std::string& text) const { return text.empty() ? "-" : Printable(text); }
+    std::string operator()(std::uint64_t number) const { return std::to_string(number); }
+    std::string operator()(SHex number) const { return Hex(number.m_Value); }
+    std::string operator()(bool flag) const { return flag ? "yes" : "no"; }
+};
+
+struct SToJson {
+    CJson operator()(std::monostate /*nothing*/) const { return nullptr; }
+    CJson operator()(SHex number) const { return number.m_Value; }
+    template <typename T>
+    CJson operator()(const T& value) const {
+        return value;
+    }
+};
+
+std::string Padded(const std::string& text, std::size_t width, bool right) {
+    const std::string blanks(width - text.size(), ' ');
+    return right ? blanks + text : text + blanks;
+}
+
+std::string TextOf(const CField& field) {
+    return std::visit(SToText(), field);
+}
+CJson JsonOf(const CField& field) {
+    return std::visit(SToJson(), field);
+}
+
+} // namespace
+
+void Print(std::ostream& out, const std::vector<SFact>& facts) {
+    std::size_t width = 0;
+    for (const SFact& fact : facts) {
+        width = std::max(width, fact.m_Title.size());
+    }
+    for (const SFact& fact : facts) {
+        out << Padded(fact.m_Title, width, false) << "  " << TextOf(fact.m_Value) << '\n';
+    }
+}
+
+CJson ToJson(const std::vector<SFact>& facts) {
+    CJson object = CJson::object();
+    for (const SFact& fact : facts) {
+        object[fact.m_Key] = JsonOf(fact.m_Value);
+    }
+    return object;
+}
+
+void CTable::Print(std::ostream& out) const {
+    if (m_Rows.empty()) {
+        return;
+    }
+    std::vector<std::size_t> widths;
+    for (std::size_t column = 0; column < m_Columns.size(); ++column) {
+        std::size_t width = m_Columns[column].m_Title.size();
+        for (const auto& row : m_Rows) {
+            width = std::max(width, TextOf(row[column]).size());
+        }
+        widths.push_back(width);
+    }
+    const auto printLine = [&](auto textOf) {
+        std::string line;
+        for (std::size_t column = 0; column < m_Columns.size(); ++column) {
+            line += Padded(textOf(column), widths[column], m_Columns[column].m_Right) + "  ";
+        }
+        out << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
+    };
+    printLine([&](std::size_t column) { return m_Columns[column].m_Title; });
+    for (const auto& row : m_Rows) {
+        printLine([&](std::size_t column) { return TextOf(row[column]); });
+    }
+}
+
+CJson CTable::Json() const {
+    CJson rows = CJson::array();
+    for (const auto& row : m_Rows) {
+        CJson object = CJson::object();
+        for (std::size_t column = 0; column < m_Columns.size(); ++column) {
+            object[m_Columns[column].m_Key] = JsonOf(row[column]);
+        }
+        rows.push_back(std::move(object));
+    }
+    return rows;
+}
+
+void PrintJson(const CJson& document) {
+    std::cout << document.dump(2, ' ', false, CJson::error_handler_t::replace) << '\n';
+}
+
+} // namespace marlune::tool
