@@ -17,7 +17,7 @@ constexpr std::chrono::milliseconds EVERY{200};
 
 } // namespace
 
-CProgress::CProgress(std::string what, eDirection direction, std::uint64_t totalBytes)
+CProgress::CProgress(const std::string& what, eDirection direction, std::uint64_t totalBytes)
     : m_What(Printable(what)), m_Direction(direction), m_TotalBytes(totalBytes), m_StartBytes(CountedBytes()) {
     if (isatty(STDERR_FILENO) != 0) {
         m_Thread = std::thread([this] { Show(); });

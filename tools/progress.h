@@ -17,7 +17,7 @@ public:
 
     /// The work ends when this process has read or written `totalBytes` more; 0 when that is not known. `what` names
     /// the work. The bytes are those that the system counts for the process, so no reader or writer has to report.
-    CProgress(std::string what, eDirection direction, std::uint64_t totalBytes);
+    CProgress(const std::string& what, eDirection direction, std::uint64_t totalBytes);
     CProgress(const CProgress&) = delete;
     CProgress& operator=(const CProgress&) = delete;
     CProgress(CProgress&&) = delete;
