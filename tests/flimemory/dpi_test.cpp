@@ -25,7 +25,7 @@ protected:
             m_Simulator.AddSignal(name, 4);
         }
         Elaborate("/tb/core[0]/mem", "0 8 16");
-        Elaborate("/tb/wide", "0 100 4");
+        Elaborate("/tb/wide", "0 100 4", {"CLK"});
         m_Simulator.TakeLog();
     }
     ~CDpi() override {
@@ -33,9 +33,10 @@ protected:
         std::remove(m_File.c_str());
     }
 
-    void Elaborate(const std::string& path, const std::string& parameters) {
-        m_Simulator.Elaborate(MemoryInit(), path, parameters,
-                              {"CLK", "r_Q0", "r_RA0", "r_RE0", "w_D0", "w_WA0", "w_WE0"});
+    void Elaborate(const std::string& path, const std::string& parameters,
+                   const std::vector<std::string>& ports = {"CLK", "r_Q0", "r_RA0", "r_RE0", "w_D0", "w_WA0",
+                                                            "w_WE0"}) {
+        m_Simulator.Elaborate(MemoryInit(), path, parameters, ports);
     }
 
     /// Writes a program image with these LAUs of 8 bits from address 0 on.

@@ -97,6 +97,7 @@ std::size_t ResidentBytes() {
 }
 
 TEST_F(CElaboration, TakesMemoryOnlyWhenCellsAreTouched) {
+    EXPECT_EQ(Elaborate("0 8 16", {"CLK"}), NO_PORTS); // loads the library, and the code that it runs
     const std::size_t before = ResidentBytes();
     EXPECT_EQ(Elaborate("0 64 0x8000000", {"CLK"}), NO_PORTS); // 1 GiB each
     EXPECT_EQ(Elaborate("0 128 0x800000", {"CLK"}), NO_PORTS);
