@@ -1,0 +1,15 @@
+#ifndef MARLUNE_ELFTOVEXON_ELFCONTENTS_H
+#define MARLUNE_ELFTOVEXON_ELFCONTENTS_H
+
+#include "objectfile/sectiondata.h"
+
+#include <string_view>
+
+/// File bytes that hold one memory byte of `bits` bits: 1, 2, 4 or 8, and 0 above 64 bits.
+int FileBytesPerByte(int bits);
+
+/// Appends the memory bytes in `contents`, of 1 to 64 bits each, as ElfToVexon::ConvertByteToVexon writes them. A last
+/// memory byte that `contents` holds in part is filled up with zeros.
+void AddContents(ObjectFile::CSectionData& data, std::string_view contents, int bits, ObjectFile::eByteOrder order);
+
+#endif
