@@ -11,27 +11,94 @@ namespace ObjectFile {
 /// something was written. Within a 64-bit limb the bit with the smallest index is the most significant.
 class CBitStore {
 public:
+    static constexpr std::uint64_t LIMBS_PER_CHUNK = 8192;
+    static constexpr std::uint64_t BITS_PER_CHUNK = LIMBS_PER_CHUNK * 64;
+
     /// `count` (1 to 64) bits from `position` on, right-aligned, the first of them the most significant.
     std::uint64_t Get(std::uint64_t position, unsigned count) const;
     /// Stores the low `count` (1 to 64) bits of `bits`.
     void Set(std::uint64_t position, unsigned count, std::uint64_t bits);
-    /// Makes `count` bits 0 and takes no memory for it.
+    /// Makes `count` bits 0; takes no memory for it.
     void Clear(std::uint64_t position, std::uint64_t count);
     void Free() { m_Chunks.clear(); }
 
     /// True when nothing was ever written there; false says nothing about the bits.
     bool IsUntouched(std::uint64_t position, std::uint64_t count) const;
 
-    static constexpr std::uint64_t LIMBS_PER_CHUNK = 8192;
-    static constexpr std::uint64_t BITS_PER_CHUNK = LIMBS_PER_CHUNK * 64;
-
-    /// The limbs of chunk number `position / BITS_PER_CHUNK`, or none when nothing was written there.
-    const std::uint64_t* FindChunk(std::uint64_t position) const;
+    /// The limbs of chunk number `chunk`, or none when nothing was written there.
+    const std::uint64_t* FindChunk(std::uint64_t chunk) const;
     /// The same, created when absent.
-    std::uint64_t* MakeChunk(std::uint64_t position);
+    std::uint64_t* MakeChunk(std::uint64_t chunk) { return Chunk(chunk).data(); }
 
 private:
+    std::vector<std::uint64_t>& Chunk(std::uint64_t chunk);
+
     std::map<std::uint64_t, std::vector<std::uint64_t>> m_Chunks;
+};
+
+/// Reads a store that does not change meanwhile, and finds a chunk once for many reads in it.
+class CBitReader {
+public:
+    explicit CBitReader(const CBitStore& store) : m_Store(&store) {}
+
+    /// As CBitStore::Get.
+    std::uint64_t Get(std::uint64_t position, unsigned count) {
+        const std::uint64_t limb = position / 64;
+        const auto offset = static_cast<unsigned>(position % 64);
+        std::uint64_t bits = Limb(limb) << offset;
+        if (offset + count > 64) {
+            bits |= Limb(limb + 1) >> (64 - offset);
+        }
+        return bits >> (64 - count);
+    }
+
+    /// 64 bits, from 64 * limb on.
+    std::uint64_t Limb(std::uint64_t limb) {
+        const std::uint64_t chunk = limb / CBitStore::LIMBS_PER_CHUNK;
+        if (chunk != m_Chunk) {
+            m_Limbs = m_Store->FindChunk(chunk);
+            m_Chunk = chunk;
+        }
+        return m_Limbs == nullptr ? 0 : m_Limbs[limb % CBitStore::LIMBS_PER_CHUNK];
+    }
+
+private:
+    const CBitStore* m_Store;
+    const std::uint64_t* m_Limbs = nullptr;
+    std::uint64_t m_Chunk = ~std::uint64_t{0};
+};
+
+/// Appends to a store behind its last bit ever written.
+class CBitAppender {
+public:
+    CBitAppender(CBitStore& store, std::uint64_t position) : m_Store(&store), m_Position(position) {}
+
+    /// The low `count` (1 to 64) bits; higher ones must be 0.
+    void Append(unsigned count, std::uint64_t bits) {
+        const auto offset = static_cast<unsigned>(m_Position % 64);
+        bits <<= 64 - count;
+        *Limb() |= bits >> offset;
+        m_Position += count;
+        if (offset + count > 64) {
+            *Limb() |= bits << (64 - offset);
+        }
+    }
+
+private:
+    std::uint64_t* Limb() {
+        const std::uint64_t limb = m_Position / 64;
+        const std::uint64_t chunk = limb / CBitStore::LIMBS_PER_CHUNK;
+        if (chunk != m_Chunk) {
+            m_Limbs = m_Store->MakeChunk(chunk);
+            m_Chunk = chunk;
+        }
+        return m_Limbs + limb % CBitStore::LIMBS_PER_CHUNK;
+    }
+
+    CBitStore* m_Store;
+    std::uint64_t m_Position;
+    std::uint64_t* m_Limbs = nullptr;
+    std::uint64_t m_Chunk = ~std::uint64_t{0};
 };
 
 } // namespace ObjectFile

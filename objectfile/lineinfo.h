@@ -43,7 +43,7 @@ public:
     int ReadNumAsStringZero(int position, long long* value) const;
 
 private:
-    const CSectionData& Data() const;
+    std::string SignificantDigits(int position) const;
 
     const CObjectFile* m_ObjectFile;
     const CSection* m_Section = nullptr; // set by PopulateFromMarluneLineSection

@@ -103,6 +103,8 @@ public:
     void Free();
 
 private:
+    /// The section container, created when absent.
+    CSectionContainer& Sections();
     bool HasSymbols() const;
     int RelocationCount() const;
     void SaveHeader(COutputStream& out);

@@ -119,7 +119,7 @@ private:
 
     void LoadType(CInputStream& in);
     void LoadDataHeader(CInputStream& in, CPersistentObject::Queue& queue);
-    bool HasBoundSymbols(const char* startName, const char* endName) const;
+    bool IsBoundedBy(const char* startName, const char* endName) const;
 
     std::string m_Name;
     std::unique_ptr<CSectionData> m_Data;

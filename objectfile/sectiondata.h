@@ -63,6 +63,8 @@ public:
 
     /// The length of GetByte(address), which throws likewise.
     int GetByteLength(int address) const;
+    /// At most `count` characters of byte `address` from its character `first` on; throws as GetByte.
+    std::string GetByteDigits(int address, int first, int count) const;
     /// Stores byte `address` in (byte bit-size + 63) / 64 limbs, the least significant first; the byte's first
     /// character is the most significant bit. False, and nothing stored, when the byte is out of range or its line is
     /// not well-formed: GetByte then has its text or its error.
@@ -76,42 +78,47 @@ public:
     bool IsUntouchedZero(int first, int count) const;
 
 private:
-    /// Where a byte's characters lie: its line, and the position in it.
+    /// Where a byte's characters lie: its line, and their position and number in it.
     struct SPlace {
         int m_Line;
         std::int64_t m_Position;
+        std::int64_t m_Length;
     };
-    SPlace Locate(int address) const { return {address / m_BytesPerWord, PositionInWord(address % m_BytesPerWord)}; }
-    std::int64_t PositionInWord(int byte) const { return static_cast<std::int64_t>(byte) * m_ByteBitSize; }
+    /// Throws as GetByte, with `error` for an address outside the data.
+    SPlace Locate(int address, const char* error) const;
     std::uint64_t BitPosition(int line) const {
         return static_cast<std::uint64_t>(line) * static_cast<std::uint64_t>(m_WordBitSize);
     }
-    /// The place of a byte and the length of its line from there on, checked as GetByte does.
-    SPlace CheckedPlace(int address, const char* error) const;
-    /// The text of an irregular line, or none for a packed one.
+    /// The text of a line that is not packed, or none.
     const std::string* FindIrregular(int line) const;
     std::int64_t LineLength(int line) const;
+    std::string LineText(int line) const;
+    bool IsLastLine(int line) const { return line == m_LineCount - 1; }
     void RequireByteSize() const;
-    int LinesForBytes() const;
+    void RequireLine(int index, const char* error) const;
 
-    int AddRun(CInputStream& in, int wanted);
+    /// Appends well-formed lines as long as the stream's buffer holds such, at most `wanted`; returns how many.
+    int LoadRun(CInputStream& in, int wanted);
     void AddLine(std::string_view text);
     void StoreLine(int line, std::string_view text);
-    void AppendToLast(std::string_view text);
-    void FinishLast();
+    /// Keeps a short last line as text, for a line is to follow it.
+    void FinishLastLine();
+    /// Characters that the last line takes before a new line begins.
+    std::int64_t TopUpRoom() const;
+    void GrowByteCount(std::int64_t characters);
 
     std::string UnpackText(std::uint64_t position, std::int64_t length) const;
     void PackText(std::uint64_t position, std::string_view text);
-    void WritePacked(COutputStream& out, int line) const;
 
-    int CopyContiguous(int first, int count, bool reversed, std::uint64_t* cells) const;
-    /// The first address at or after `address` that is not in packed form.
-    int PackedEnd(int address) const;
+    bool IsContiguous() const { return m_WordBitSize == m_BytesPerWord * m_ByteBitSize; }
+    /// Behind the last of the bytes from `address` on that GetByteBits can answer.
+    std::int64_t PackedEnd(int address) const;
 
-    CBitStore m_Bits;
-    std::map<int, std::string> m_Irregular; // by line index
+    // Invariant: packed bits behind the last line's end, and those of lines in m_Irregular, are 0.
+    CBitStore m_Bits;                       // line i begins at bit i * m_WordBitSize
+    std::map<int, std::string> m_Irregular; // the lines that are not packed, by index
     int m_LineCount = 0;
-    int m_LastLength = 0; // characters of the last line if that is packed, at most m_WordBitSize
+    int m_LastLength = 0; // characters of the last line while that is packed, at most m_WordBitSize
     int m_LineAddress;
     int m_ByteCount;
     int m_WordBitSize;

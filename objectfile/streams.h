@@ -2,6 +2,8 @@
 #ifndef MARLUNE_OBJECTFILE_STREAMS_H
 #define MARLUNE_OBJECTFILE_STREAMS_H
 
+#include "objectfile/errors.h"
+
 #include <cstddef>
 #include <cstdio>
 #include <memory>
@@ -43,6 +45,8 @@ public:
     /// Lines consumed since the file was opened.
     int GetLineCounter() const { return m_LineCounter; }
     char GetDelimiter() const { return m_Delimiter; }
+    /// The error that rejects the value of the line just read: its zero-based number and `text`.
+    syntax_error Reject(const char* text = "Syntax error") const { return {m_LineCounter - 1, text}; }
 
     /// Reads and discards lines until the counter stands at `line`; throws as GetLine().
     void SkipToLine(int line);

@@ -72,7 +72,9 @@ public:
     void SetBlockSize(int size) { m_BlockSize = size; }
     /// The section the symbol is bound to (borrowed), or none.
     CSection* GetSection() const { return m_Section; }
-    void SetSection(CSection* section) { m_Section = section; }
+    void SetSection(CSection* section);
+    /// The index as read from a file.
+    int GetSectionIndex() const { return m_SectionIndex; }
     /// True for the types whose symbols lie in a section: all but extern, absolute and common.
     bool HasSection() const { return m_Type != TYPE_EXTERN && m_Type != TYPE_ABSOLUTE && m_Type != TYPE_COMMON; }
     CExpansionTable& GetExpansionTable() { return m_Expansion; }
@@ -80,7 +82,7 @@ public:
     /// The table that holds the symbol, or none.
     CSymbolTable* GetOwner() const { return m_Owner; }
 
-    /// Index of the bound section in its object file; the index as read from a file while none is bound; 0 otherwise.
+    /// Index of the bound section in its object file. While none is bound: the index as read from a file, otherwise 0.
     int GetSectionID() const;
     /// Index of the symbol in its table, -1 without a table.
     int ID() const;

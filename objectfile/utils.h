@@ -23,8 +23,8 @@ public:
     operator T() const { return m_Value; } // NOLINT(google-explicit-constructor)
 
     static T Parse(const std::string& text, int base);
-    /// Digits in base 8, 10 or 16 without prefix or padding (`width` ignored); for any other base the binary digits of
-    /// ConvSignToBin.
+    /// For int: digits in base 8, 10 or 16 without prefix or padding (`width` ignored); for any other base the binary
+    /// digits of ConvSignToBin.
     static std::string ToString(T value, int base, int width = 0);
 
 private:

@@ -1,0 +1,73 @@
+#include "objectfile/bitstore.h"
+
+#include <algorithm>
+
+namespace ObjectFile {
+
+namespace {
+
+/// A limb with the bits from `first` to the one before `last` set, counted from the most significant; first < last.
+constexpr std::uint64_t LimbMask(std::uint64_t first, std::uint64_t last) {
+    return (~std::uint64_t{0} >> first) & (~std::uint64_t{0} << (64 - last));
+}
+
+void ClearBits(std::uint64_t* limbs, std::uint64_t begin, std::uint64_t end) {
+    while (begin < end) {
+        const std::uint64_t limb = begin / 64;
+        const std::uint64_t stop = std::min(end, (limb + 1) * 64);
+        limbs[limb] &= ~LimbMask(begin % 64, stop - limb * 64);
+        begin = stop;
+    }
+}
+
+} // namespace
+
+std::uint64_t CBitStore::Get(std::uint64_t position, unsigned count) const {
+    return CBitReader(*this).Get(position, count);
+}
+
+void CBitStore::Set(std::uint64_t position, unsigned count, std::uint64_t bits) {
+    while (count > 0) { // twice when the bits lie in two limbs
+        const auto offset = static_cast<unsigned>(position % 64);
+        const unsigned part = std::min(count, 64 - offset);
+        const std::uint64_t mask = LimbMask(offset, offset + part);
+        count -= part;
+        std::uint64_t& limb = Chunk(position / BITS_PER_CHUNK)[position % BITS_PER_CHUNK / 64];
+        limb = (limb & ~mask) | (bits >> count << (64 - offset - part) & mask);
+        position += part;
+    }
+}
+
+void CBitStore::Clear(std::uint64_t position, std::uint64_t count) {
+    const std::uint64_t end = position + count;
+    auto chunk = m_Chunks.lower_bound(position / BITS_PER_CHUNK);
+    while (chunk != m_Chunks.end() && chunk->first * BITS_PER_CHUNK < end) {
+        const std::uint64_t base = chunk->first * BITS_PER_CHUNK;
+        const std::uint64_t first = std::max(position, base) - base;
+        const std::uint64_t last = std::min(end - base, BITS_PER_CHUNK);
+        if (last - first == BITS_PER_CHUNK) {
+            chunk = m_Chunks.erase(chunk);
+        } else {
+            ClearBits(chunk->second.data(), first, last);
+            ++chunk;
+        }
+    }
+}
+
+bool CBitStore::IsUntouched(std::uint64_t position, std::uint64_t count) const {
+    const auto chunk = m_Chunks.lower_bound(position / BITS_PER_CHUNK);
+    return chunk == m_Chunks.end() || chunk->first * BITS_PER_CHUNK >= position + count;
+}
+
+const std::uint64_t* CBitStore::FindChunk(std::uint64_t chunk) const {
+    const auto found = m_Chunks.find(chunk);
+    return found == m_Chunks.end() ? nullptr : found->second.data();
+}
+
+std::vector<std::uint64_t>& CBitStore::Chunk(std::uint64_t chunk) {
+    std::vector<std::uint64_t>& limbs = m_Chunks[chunk];
+    limbs.resize(LIMBS_PER_CHUNK);
+    return limbs;
+}
+
+} // namespace ObjectFile
