@@ -125,8 +125,10 @@ private:
             const std::string where = "the LAU at " + Hex(section.GetMemoryByteAddress() + static_cast<unsigned>(unit));
             try {
                 const std::string digits = data.GetByte(unit);
-                if (digits.find_first_not_of("01") != std::string::npos) {
-                    Warn(section.GetName(), where + " has digits other than 0 and 1: " + Printable(digits));
+                if (digits.size() < static_cast<std::size_t>(data.GetByteBitSize()) ||
+                    digits.find_first_not_of("01") != std::string::npos) {
+                    Warn(section.GetName(), where + " is not " + std::to_string(data.GetByteBitSize()) +
+                                                " binary digits: " + Printable(digits));
                     return;
                 }
             } catch (const std::out_of_range&) {

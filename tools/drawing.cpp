@@ -60,13 +60,14 @@ public:
         m_Out << R"(<svg xmlns="http://www.w3.org/2000/svg" width=")" << WIDTH << R"(" height=")" << height
               << R"(" font-family="monospace" font-size="12">)"
               << "\n<title>" << Escaped(title) << "</title>\n"
-              << "<style>.gap{fill:#777;font-style:italic} .end{text-anchor:end} .head{font-weight:bold}</style>\n";
+              << "<style>.gap{fill:#777;font-style:italic} .clash{fill:#b00020} .end{text-anchor:end} "
+                 ".head{font-weight:bold}</style>\n";
         Box(0, 0, WIDTH, height, "#ffffff");
         Text(MARGIN, MARGIN + 12, "head", title);
         unsigned x = LANE_X;
         for (const SColour& colour : COLOURS) {
             Box(x, MARGIN + 2, 12, 12, colour.m_Fill);
-            Text(x + 18, MARGIN + 12, "", colour.m_Meaning);
+            Text(x + 18, MARGIN + 12, "piece", colour.m_Meaning);
             x += 80;
         }
         m_Y = MARGIN + 2 * ROW;
@@ -86,20 +87,21 @@ public:
 private:
     void Piece(const SSpace& space, const SPiece& piece) {
         const bool gap = piece.m_Section == nullptr;
-        const std::string style = gap ? "gap" : "";
+        const std::string style = gap ? "gap" : piece.m_Overlaps != nullptr ? "clash" : "piece";
         Text(MARGIN, m_Y + 15, style, gap ? "gap" : Cut(Printable(piece.m_Section->GetName())));
         Text(RANGE_X, m_Y + 15, style, Hex(piece.m_First) + " - " + Hex(piece.End() - 1));
         Text(COUNT_END_X, m_Y + 15, style + " end", std::to_string(piece.m_Count));
         Box(LANE_X, m_Y + 3, LANE_LENGTH, ROW - 6, "#f0f0f0");
-        if (!gap) {
-            const auto begin = static_cast<unsigned>(Scaled(space, piece.m_First, LANE_LENGTH - 1));
-            const auto end = static_cast<unsigned>(Scaled(space, piece.End(), LANE_LENGTH));
-            const auto* colour = std::find_if(COLOURS.begin(), COLOURS.end(), [&](const SColour& candidate) {
-                return candidate.m_Type == piece.m_Section->GetType();
-            });
-            Box(LANE_X + begin, m_Y + 3, std::max(end, begin + 1) - begin, ROW - 6, colour->m_Fill);
-        }
+        const auto begin = static_cast<unsigned>(Scaled(space, piece.m_First, LANE_LENGTH - 1));
+        const auto end = static_cast<unsigned>(Scaled(space, piece.End(), LANE_LENGTH));
+        Box(LANE_X + begin, m_Y + 3, std::max(end, begin + 1) - begin, ROW - 6, gap ? "#d4d4d4" : Colour(piece));
         m_Y += ROW;
+    }
+
+    static const char* Colour(const SPiece& piece) {
+        return std::find_if(COLOURS.begin(), COLOURS.end(),
+                            [&](const SColour& candidate) { return candidate.m_Type == piece.m_Section->GetType(); })
+            ->m_Fill;
     }
 
     void Box(unsigned x, unsigned y, unsigned width, unsigned height, const char* fill) {
@@ -108,11 +110,7 @@ private:
     }
 
     void Text(unsigned x, unsigned y, const std::string& style, const std::string& text) {
-        m_Out << "<text x=\"" << x << "\" y=\"" << y << "\"";
-        if (!style.empty()) {
-            m_Out << " class=\"" << style << "\"";
-        }
-        m_Out << '>' << Escaped(text) << "</text>\n";
+        m_Out << "<text x=\"" << x << "\" y=\"" << y << "\" class=\"" << style << "\">" << Escaped(text) << "</text>\n";
     }
 
     std::ostream& m_Out;

@@ -21,7 +21,7 @@ int RunLines(const SOptions& options) {
     CTable table({{"Address", "address", true}, {"File", "file"}, {"Line", "line", true}, {"End", "end_of_sequence"}});
     if (const ObjectFile::CLineTable* lines = image->GetLineTable()) {
         for (const ObjectFile::CLineInfo& row : lines->GetRows()) {
-            table.AddRow({SHex{row.m_Address}, FileName(*lines, row.m_FileIndex), std::to_string(row.m_Line),
+            table.AddRow({SHex{row.m_Address}, FileName(*lines, row.m_FileIndex), std::int64_t{row.m_Line},
                           row.m_EndOfSequence});
         }
     }

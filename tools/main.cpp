@@ -1,6 +1,7 @@
 // marlune-image: looks into program image files, checks, converts, dumps and draws them.
 #include <array>
 #include <iostream>
+#include <limits>
 #include <new>
 
 #include <CLI/CLI.hpp>
@@ -11,6 +12,8 @@
 
 namespace marlune::tool {
 namespace {
+
+const CLI::Range POSITIVE(std::uint32_t{1}, std::numeric_limits<std::uint32_t>::max());
 
 void AddJson(CLI::App& app, SOptions& options) {
     app.add_flag("--json", options.m_Json, "print JSON for scripts");
@@ -35,13 +38,12 @@ void AddConvert(CLI::App& app, SOptions& options) {
 void AddDump(CLI::App& app, SOptions& options) {
     AddMemory(app, options, true);
     foreign::CLoadWindow& window = options.m_Window;
-    app.add_option("--size", options.m_Size, "cells of the memory")->required()->check(CLI::PositiveNumber);
+    app.add_option("--size", options.m_Size, "cells of the memory")->required()->check(POSITIVE);
     app.add_option("--cell-base", window.m_CellBase, "LAU offset of the memory (0)");
     app.add_option("--low", window.m_LowAddress, "first LAU address taken (0)");
     app.add_option("--high", window.m_HighAddress, "last LAU address taken (0xffffffff)");
     app.add_option("--phase", window.m_Phase, "first LAU taken of each group (0)");
-    app.add_option("--stride", window.m_Stride, "LAUs of a group, of which one is taken (1)")
-        ->check(CLI::PositiveNumber);
+    app.add_option("--stride", window.m_Stride, "LAUs of a group, of which one is taken (1)")->check(POSITIVE);
     app.add_option("--format", options.m_Format, "hex (for people), bin (bytes) or readmemh (for $readmemh)")
         ->check(CLI::IsMember({"hex", "bin", "readmemh"}));
     app.add_flag("--all", options.m_All, "every cell of the memory, not only those loaded into");

@@ -18,7 +18,8 @@ std::string Bar(const SSpace& space, const SPiece& piece) {
     const std::size_t begin = Scaled(space, piece.m_First, LENGTH - 1);
     const std::size_t end = std::max<std::size_t>(Scaled(space, piece.End(), LENGTH), begin + 1);
     std::string bar(LENGTH, ' ');
-    std::fill_n(bar.begin() + static_cast<std::ptrdiff_t>(begin), end - begin, piece.m_Section == nullptr ? '.' : '#');
+    const char mark = piece.m_Section == nullptr ? '.' : piece.m_Overlaps != nullptr ? '!' : '#';
+    std::fill_n(bar.begin() + static_cast<std::ptrdiff_t>(begin), end - begin, mark);
     return "|" + bar + "|";
 }
 

@@ -86,6 +86,10 @@ void ThrowCannotWrite(const std::string& name) {
 void ReplaceFile(const std::string& target, const std::function<void(const std::string& path)>& write) {
     std::error_code error;
     const fs::file_status status = fs::status(target, error);
+    if (fs::is_directory(status)) {
+        errno = EISDIR;
+        ThrowCannotWrite(target);
+    }
     if (fs::exists(status) && !fs::is_regular_file(status)) {
         write(target);
         return;

