@@ -305,6 +305,40 @@ void CSectionData::Add(std::string_view bits) {
     }
 }
 
+void CSectionData::AddPacked(const std::uint64_t* limbs, std::int64_t count) {
+    if (count < 1) {
+        return;
+    }
+    RequireByteSize();
+    if (!EndsInWholeBytes()) {
+        std::string text(static_cast<std::size_t>(count), '0');
+        for (std::size_t done = 0; done < text.size(); done += PIECE) {
+            const unsigned piece = PieceOf(text.size() - done);
+            UnpackDigits(*limbs++ >> (PIECE - piece), piece, &text[done]);
+        }
+        Add(text);
+        return;
+    }
+    GrowByteCount(count);
+    const std::int64_t length = m_LineCount == 0 ? 0 : std::int64_t{m_LineCount - 1} * m_WordBitSize + m_LastLength;
+    CBitAppender out(m_Bits, static_cast<std::uint64_t>(length));
+    for (std::int64_t rest = count; rest > 0; ++limbs) {
+        const unsigned piece = PieceOf(static_cast<std::uint64_t>(rest));
+        out.Append(piece, *limbs >> (PIECE - piece));
+        rest -= piece;
+    }
+    m_LineCount = static_cast<int>((length + count + m_WordBitSize - 1) / m_WordBitSize);
+    m_LastLength = static_cast<int>((length + count - 1) % m_WordBitSize + 1);
+}
+
+bool CSectionData::EndsInWholeBytes() const {
+    if (m_LineCount == 0) {
+        return true;
+    }
+    const bool wholeBytes = m_LastLength % m_ByteBitSize == 0 && m_LastLength >= m_ByteBitSize;
+    return FindIrregular(m_LineCount - 1) == nullptr && (wholeBytes || m_LastLength == m_WordBitSize);
+}
+
 void CSectionData::FillZero(int byteCount) {
     if (byteCount < 1) {
         return;

@@ -54,6 +54,8 @@ public:
     /// a word cannot hold a byte, general_error when the byte count would exceed an int.
     void Add(const char* bits);
     void Add(std::string_view bits);
+    /// The same for `count` digits in packed form, the first in the most significant bit of limbs[0].
+    void AddPacked(const std::uint64_t* limbs, std::int64_t count);
     /// Appends `byteCount` bytes of zeros in the same line form, taking no memory for them.
     void FillZero(int byteCount);
     /// Removes all lines; the byte count becomes 0.
@@ -103,6 +105,8 @@ private:
     void StoreLine(int line, std::string_view text);
     /// Keeps a short last line as text, for a line is to follow it.
     void FinishLastLine();
+    /// Do digits that are added follow the last line's without a gap, all in packed form?
+    bool EndsInWholeBytes() const;
     /// Characters that the last line takes before a new line begins.
     std::int64_t TopUpRoom() const;
     void GrowByteCount(std::int64_t characters);
