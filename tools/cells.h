@@ -28,6 +28,9 @@ public:
     /// Keeps the low `width` bits: what a test bench reads back.
     void Write(std::uint32_t cell, const CWord& value);
 
+    /// Writes numbers to as many cells.
+    void WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, std::uint32_t count);
+
     /// Stores 0 in `count` cells and takes no memory for it.
     void FillZero(std::uint32_t first, std::uint32_t count);
 

@@ -136,10 +136,7 @@ private:
             return m_Data.CopyBytes(index, m_Step, count, m_Reversed, &m_Storage.m_Words64[cell]);
         }
         const int copied = m_Data.CopyBytes(index, m_Step, std::min(count, NUMBERS), m_Reversed, m_Numbers.data());
-        for (int i = 0; i < copied; ++i) {
-            m_Storage.Write(cell + static_cast<std::uint32_t>(i),
-                            CWord::FromUnsigned(m_Numbers[static_cast<std::size_t>(i)]));
-        }
+        m_Storage.WriteNumbers(cell, m_Numbers.data(), static_cast<std::uint32_t>(copied));
         return copied;
     }
 

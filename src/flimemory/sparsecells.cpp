@@ -8,6 +8,12 @@ namespace marlune::foreign::fli {
 
 namespace {
 
+constexpr std::uint64_t ALL_CELLS = ~std::uint64_t{0};
+
+constexpr std::uint64_t BitOf(unsigned cell) {
+    return std::uint64_t{1} << cell;
+}
+
 unsigned CountOnes(std::uint64_t bits) {
     return static_cast<unsigned>(std::bitset<64>(bits).count());
 }
@@ -15,41 +21,52 @@ unsigned CountOnes(std::uint64_t bits) {
 } // namespace
 
 void CSparseCells::CBlock::SetWide(unsigned cell, bool wide) {
-    const std::uint64_t bit = std::uint64_t{1} << cell;
-    m_Wide = wide ? m_Wide | bit : m_Wide & ~bit;
+    m_Wide = wide ? m_Wide | BitOf(cell) : m_Wide & ~BitOf(cell);
 }
 
 unsigned CSparseCells::CBlock::Rank(unsigned cell) const {
-    const std::uint64_t below = m_Present & ((std::uint64_t{1} << cell) - 1);
-    if (below + 1 == std::uint64_t{1} << cell) { // no gap below, the common case
+    const std::uint64_t below = m_Present & (BitOf(cell) - 1);
+    if (below + 1 == BitOf(cell)) { // no gap below, the common case
         return cell;
     }
     return CountOnes(below);
 }
 
-void CSparseCells::CBlock::Insert(std::uint32_t number, unsigned cell) {
-    const unsigned count = CountOnes(m_Present);
-    if (count == m_Capacity) {
-        const std::uint32_t capacity = std::max(1U, m_Capacity * 4);
+unsigned CSparseCells::CBlock::Insert(std::uint32_t number, std::uint64_t cells) {
+    const std::uint64_t added = cells & ~m_Present;
+    unsigned from = CountOnes(m_Present);
+    unsigned to = CountOnes(m_Present | added);
+    const unsigned count = to - from;
+    if (to > m_Capacity) {
+        std::uint32_t capacity = std::max(1U, m_Capacity);
+        while (capacity < to) {
+            capacity *= 4;
+        }
         auto words = std::make_unique<std::uint64_t[]>(capacity);
-        std::copy_n(m_Words.get(), count, words.get());
+        std::copy_n(m_Words.get(), from, words.get());
         m_Words = std::move(words);
         m_Capacity = capacity;
     }
-    std::uint64_t* word = m_Words.get() + Rank(cell);
-    std::copy_backward(word, m_Words.get() + count, m_Words.get() + count + 1);
-    *word = 0;
-    m_Present |= std::uint64_t{1} << cell;
+    for (unsigned cell = BLOCK_CELLS; to > from; --cell) { // words move up, from the last on
+        if ((added & BitOf(cell - 1)) != 0) {
+            m_Words[--to] = 0;
+        } else if (Has(cell - 1)) {
+            m_Words[--to] = m_Words[--from];
+        }
+    }
+    m_Present |= added;
     m_Number = number;
+    return count;
 }
 
 CSparseCells::CWord CSparseCells::Read(std::uint32_t address) {
-    return Load(BlockWithCell(address), address % BLOCK_CELLS);
+    const unsigned cell = address % BLOCK_CELLS;
+    return Load(BlockWith(address / BLOCK_CELLS, BitOf(cell)), cell);
 }
 
 void CSparseCells::Write(std::uint32_t address, const CWord& word) {
-    CBlock& block = BlockWithCell(address);
     const unsigned cell = address % BLOCK_CELLS;
+    CBlock& block = BlockWith(address / BLOCK_CELLS, BitOf(cell));
     if (!word.IsZeroFrom(2)) {
         StoreWide(block, cell, word);
         return;
@@ -110,11 +127,9 @@ std::size_t CSparseCells::FindSlot(std::uint32_t number) {
     return m_LastSlot;
 }
 
-CSparseCells::CBlock& CSparseCells::BlockWithCell(std::uint32_t address) {
-    const std::uint32_t number = address / BLOCK_CELLS;
-    const unsigned cell = address % BLOCK_CELLS;
+CSparseCells::CBlock& CSparseCells::BlockWith(std::uint32_t number, std::uint64_t cells) {
     std::size_t slot = FindSlot(number);
-    if (m_Slots[slot].Has(cell)) {
+    if (m_Slots[slot].HasAll(cells)) {
         return m_Slots[slot];
     }
     const bool isNew = m_Slots[slot].IsFree();
@@ -123,14 +138,32 @@ CSparseCells::CBlock& CSparseCells::BlockWithCell(std::uint32_t address) {
         slot = FindSlot(number);
     }
     CBlock& block = m_Slots[slot];
-    block.Insert(number, cell);
-    m_BlockCount += isNew ? 1 : 0;
-    if (IsInZeroRun(number)) { // its cells are present and counted
-        InsertMissing(block);
+    if (isNew && IsInZeroRun(number)) { // all its cells are there, and counted
+        block.Insert(number, ALL_CELLS);
     } else {
-        ++m_Size;
+        m_Size += block.Insert(number, cells);
     }
+    m_BlockCount += isNew ? 1 : 0;
     return block;
+}
+
+void CSparseCells::WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, std::uint32_t count) {
+    while (count > 0) {
+        const unsigned cell = first % BLOCK_CELLS;
+        const unsigned part = std::min(count, BLOCK_CELLS - cell);
+        const std::uint64_t cells = (ALL_CELLS >> (BLOCK_CELLS - part)) << cell;
+        CBlock& block = BlockWith(first / BLOCK_CELLS, cells);
+        if (block.HasWide(cells)) {
+            for (unsigned i = 0; i < part; ++i) {
+                Write(first + i, CWord::FromUnsigned(numbers[i]));
+            }
+        } else {
+            std::copy_n(numbers, part, &block.Word(cell));
+        }
+        first += part;
+        numbers += part;
+        count -= part;
+    }
 }
 
 void CSparseCells::FillZero(std::uint32_t first, std::uint32_t count) {
@@ -155,7 +188,7 @@ void CSparseCells::FillBlocks(std::uint32_t first, std::uint32_t last) {
         if (block.IsFree() || block.Number() < first || block.Number() > last) {
             continue;
         }
-        m_Size += InsertMissing(block);
+        m_Size += block.Insert(block.Number(), ALL_CELLS);
         for (unsigned cell = 0; cell < BLOCK_CELLS; ++cell) {
             Write(block.Number() * BLOCK_CELLS + cell, CWord());
         }
@@ -180,17 +213,6 @@ void CSparseCells::FillBlocks(std::uint32_t first, std::uint32_t last) {
 bool CSparseCells::IsInZeroRun(std::uint32_t number) const {
     const auto behind = m_ZeroRuns.upper_bound(number);
     return behind != m_ZeroRuns.begin() && std::prev(behind)->second >= number;
-}
-
-unsigned CSparseCells::InsertMissing(CBlock& block) {
-    unsigned inserted = 0;
-    for (unsigned cell = 0; cell < BLOCK_CELLS; ++cell) {
-        if (!block.Has(cell)) {
-            block.Insert(block.Number(), cell);
-            ++inserted;
-        }
-    }
-    return inserted;
 }
 
 void CSparseCells::AddSlots() {

@@ -27,6 +27,9 @@ public:
     /// Inserts or overwrites the cell.
     void Write(std::uint32_t address, const CWord& word);
 
+    /// Inserts or overwrites count cells from the first on.
+    void WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, std::uint32_t count);
+
     /// The same as writing zero to count cells from the first on, without taking memory for each.
     void FillZero(std::uint32_t first, std::uint32_t count);
 
@@ -46,13 +49,16 @@ private:
         bool IsFree() const { return m_Present == 0; }
         std::uint32_t Number() const { return m_Number; } // address / BLOCK_CELLS
         bool Has(unsigned cell) const { return ((m_Present >> cell) & 1U) != 0; }
+        bool HasAll(std::uint64_t cells) const { return (cells & ~m_Present) == 0; }
         bool IsWide(unsigned cell) const { return ((m_Wide >> cell) & 1U) != 0; }
+        bool HasWide(std::uint64_t cells) const { return (cells & m_Wide) != 0; }
         void SetWide(unsigned cell, bool wide);
-        /// Of a cell that is present.
+        /// Of a cell that is present; those of following cells that are present too follow.
         std::uint64_t& Word(unsigned cell) { return m_Words[Rank(cell)]; }
         std::uint64_t Word(unsigned cell) const { return m_Words[Rank(cell)]; }
-        /// Adds a cell of zero to the block of this number.
-        void Insert(std::uint32_t number, unsigned cell);
+        /// Adds those of the cells (bit i: cell i) that are absent, as zero, to the block of this number; returns how
+        /// many they were.
+        unsigned Insert(std::uint32_t number, std::uint64_t cells);
 
     private:
         unsigned Rank(unsigned cell) const;
@@ -96,12 +102,10 @@ public:
 private:
     /// The slot of the block, or the free one where it would be.
     static std::size_t SlotOf(const std::vector<CBlock>& slots, std::uint32_t number);
-    /// The block with the cell at the address, which is created as zero where it is absent.
-    CBlock& BlockWithCell(std::uint32_t address);
+    /// The block of this number, with the cells (bit i: cell i), which are created as zero where they are absent.
+    CBlock& BlockWith(std::uint32_t number, std::uint64_t cells);
     std::size_t FindSlot(std::uint32_t number);
     void AddSlots();
-    /// The number of cells that were absent in the block; they become zero.
-    static unsigned InsertMissing(CBlock& block);
     void FillBlocks(std::uint32_t first, std::uint32_t last);
     bool IsInZeroRun(std::uint32_t number) const;
 

@@ -1,5 +1,6 @@
 #include "src/flimemory/storage.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "general_error"
@@ -62,6 +63,16 @@ void CStorage::Write(std::uint32_t address, const CWord& value) {
         m_WordsWide[address] = value;
     } else {
         m_Contents.Write(address, value);
+    }
+}
+
+void CStorage::WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, std::uint32_t count) {
+    if (m_Words64 != nullptr) {
+        std::copy_n(numbers, count, &m_Words64[first]);
+    } else if (m_WordsWide != nullptr) {
+        std::transform(numbers, numbers + count, &m_WordsWide[first], CWord::FromUnsigned);
+    } else {
+        m_Contents.WriteNumbers(first, numbers, count);
     }
 }
 

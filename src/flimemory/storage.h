@@ -35,6 +35,9 @@ public:
     /// an error line to the transcript and changes nothing.
     void Write(std::uint32_t address, const CWord& value);
 
+    /// Writes numbers of 64 bits to as many cells from the first on, all of them inside of the memory.
+    void WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, std::uint32_t count);
+
     /// The same as writing zero to count cells from the first on, all of them inside of the memory. Cells that are zero
     /// already stay untouched, and sparse ones take no memory for each.
     void FillZero(std::uint32_t first, std::uint32_t count);

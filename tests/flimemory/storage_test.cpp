@@ -75,6 +75,12 @@ TEST(SparseCells, AreAnOrderedMap) {
             for (std::uint32_t cell = 0; cell < count; ++cell) {
                 model[address + cell] = 0;
             }
+        } else if (i % 100 == 99) {
+            const std::vector<std::uint64_t> numbers(random() % 200, 5);
+            cells.WriteNumbers(address, numbers.data(), static_cast<std::uint32_t>(numbers.size()));
+            for (std::uint32_t cell = 0; cell < numbers.size(); ++cell) {
+                model[address + cell] = 5;
+            }
         } else if (random() % 4 == 0) {
             EXPECT_TRUE(cells.Read(address) == word(model[address]));
         } else {
