@@ -31,12 +31,6 @@ void CCells::WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, std
     }
 }
 
-void CCells::WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, std::uint32_t count) {
-    for (std::uint32_t i = 0; i < count; ++i) {
-        Write(first + i, CWord::FromUnsigned(numbers[i]));
-    }
-}
-
 void CCells::FillZero(std::uint32_t first, std::uint32_t count) {
     Note(first, count);
     const std::uint64_t end = std::uint64_t{first} + count;

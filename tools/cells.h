@@ -31,7 +31,6 @@ public:
     /// Writes numbers to as many cells.
     void WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, std::uint32_t count);
 
-    void WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, std::uint32_t count);
     /// Stores 0 in `count` cells and takes no memory for it.
     void FillZero(std::uint32_t first, std::uint32_t count);
 
