@@ -78,10 +78,12 @@ private:
                 m_Table.AddRow({"left out", section.GetName(), reason.empty() ? otherSpace : reason});
                 return;
             }
-            ++m_Loaded;
-            if (UnitCount(section) > 0) {
-                CheckUnits(section);
+            if (UnitCount(section) == 0) {
+                m_Table.AddRow({"left out", section.GetName(), "no contents"});
+                return;
             }
+            ++m_Loaded;
+            CheckUnits(section);
         } catch (const std::exception& error) {
             Error(section.GetName(), error.what());
         }
