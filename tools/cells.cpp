@@ -9,14 +9,17 @@ CCells::CCells(std::string name, std::uint32_t width, std::uint32_t size)
 
 void CCells::Write(std::uint32_t cell, const CWord& value) {
     Note(cell, 1);
-    auto page = m_Pages.find(cell / PAGE_CELLS);
-    if (page == m_Pages.end()) {
-        if (value.IsZeroFrom(0)) {
+    if (m_LastPage == nullptr || m_LastNumber != cell / PAGE_CELLS) {
+        const auto page = m_Pages.find(cell / PAGE_CELLS);
+        if (page == m_Pages.end() && value.IsZeroFrom(0)) {
             return;
         }
-        page = m_Pages.emplace(cell / PAGE_CELLS, std::vector<std::uint32_t>(std::size_t{m_Limbs} * PAGE_CELLS)).first;
+        std::vector<std::uint32_t>& limbs = page != m_Pages.end() ? page->second : m_Pages[cell / PAGE_CELLS];
+        limbs.resize(std::size_t{m_Limbs} * PAGE_CELLS);
+        m_LastPage = limbs.data();
+        m_LastNumber = cell / PAGE_CELLS;
     }
-    std::uint32_t* limbs = &page->second[std::size_t{cell % PAGE_CELLS} * m_Limbs];
+    std::uint32_t* limbs = m_LastPage + std::size_t{cell % PAGE_CELLS} * m_Limbs;
     for (unsigned i = 0; i < m_Limbs; ++i) {
         limbs[i] = value.Limb(i);
     }
@@ -52,9 +55,9 @@ void CCells::Note(std::uint32_t first, std::uint32_t count) {
     m_Runs.back().m_End += count;
 }
 
-std::uint32_t CCells::Limb(std::uint32_t cell, unsigned index) const {
+const std::uint32_t* CCells::Find(std::uint32_t cell) const {
     const auto page = m_Pages.find(cell / PAGE_CELLS);
-    return page == m_Pages.end() ? 0 : page->second[std::size_t{cell % PAGE_CELLS} * m_Limbs + index];
+    return page == m_Pages.end() ? nullptr : &page->second[std::size_t{cell % PAGE_CELLS} * m_Limbs];
 }
 
 std::uint32_t CCells::NextPage(std::uint32_t cell) const {

@@ -34,8 +34,8 @@ public:
     /// Stores 0 in `count` cells and takes no memory for it.
     void FillZero(std::uint32_t first, std::uint32_t count);
 
-    /// 32 bits of a cell; index 0 is the least significant.
-    std::uint32_t Limb(std::uint32_t cell, unsigned index) const;
+    /// The cell in limbs of 32 bits, the least significant first; none where it and its neighbours are zero.
+    const std::uint32_t* Find(std::uint32_t cell) const;
     /// The first cell at or after `cell` near others that are not zero (within an aligned block of PAGE_CELLS);
     /// m_Size when there is none.
     std::uint32_t NextPage(std::uint32_t cell) const;
@@ -54,7 +54,9 @@ private:
 
     const unsigned m_Limbs;                                      // of a cell
     std::map<std::uint32_t, std::vector<std::uint32_t>> m_Pages; // by cell / PAGE_CELLS
-    std::vector<SRun> m_Runs;                                    // in the order of writing
+    std::uint32_t* m_LastPage = nullptr; // the limbs of page m_LastNumber, which was written to last
+    std::uint32_t m_LastNumber = 0;
+    std::vector<SRun> m_Runs; // in the order of writing
 };
 
 } // namespace marlune::tool

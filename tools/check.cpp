@@ -37,9 +37,8 @@ public:
         }
         CheckOverlaps();
         if (m_Loaded == 0) {
-            const std::string where =
-                m_Options.m_Space ? " of address space '" + Printable(*m_Options.m_Space) + "'" : "";
-            Warn("", "nothing would be loaded: there is no section" + where + " for it");
+            Warn("", "nothing would be loaded" +
+                         (m_Options.m_Space ? " from address space '" + Printable(*m_Options.m_Space) + "'" : ""));
         }
     }
 

@@ -51,8 +51,9 @@ public:
         for (const CCells::SRun& run : Runs()) {
             WriteZeros((run.m_First - next) * bytes);
             for (std::uint64_t cell = run.m_First; cell < run.m_End; ++cell) {
+                const std::uint32_t* limbs = m_Cells.Find(static_cast<std::uint32_t>(cell));
                 for (unsigned byte = 0; byte < bytes; ++byte) {
-                    const std::uint32_t limb = m_Cells.Limb(static_cast<std::uint32_t>(cell), byte / 4);
+                    const std::uint32_t limb = limbs == nullptr ? 0 : limbs[byte / 4];
                     m_Out.put(static_cast<char>(static_cast<unsigned char>(limb >> (byte % 4 * 8))));
                 }
             }
@@ -76,8 +77,9 @@ private:
         std::string row;
         for (std::uint64_t cell = first; cell < end; ++cell) {
             row += cell == first ? "" : " ";
+            const std::uint32_t* limbs = m_Cells.Find(static_cast<std::uint32_t>(cell));
             for (unsigned digit = m_Digits; digit-- > 0;) {
-                const std::uint32_t limb = m_Cells.Limb(static_cast<std::uint32_t>(cell), digit / 8);
+                const std::uint32_t limb = limbs == nullptr ? 0 : limbs[digit / 8];
                 row += "0123456789abcdef"[limb >> (digit % 8 * 4) & 15U];
             }
         }
