@@ -14,7 +14,8 @@ install(EXPORT marlune_targets NAMESPACE marlune:: FILE marlune_fli_memory-targe
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/objectfile" "${PROJECT_SOURCE_DIR}/elftovexon" DESTINATION "${header_dir}"
         FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include" DESTINATION "${header_dir}" PATTERN CMakeLists.txt EXCLUDE)
-install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${CMAKE_INSTALL_DATADIR}/marlune_fli_memory")
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${CMAKE_INSTALL_DATADIR}/marlune_fli_memory"
+        USE_SOURCE_PERMISSIONS)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 

@@ -31,8 +31,8 @@ extern "C" {
                                                             unsigned int lowAddress, unsigned int highAddress,
                                                             unsigned int phase, unsigned int stride);
 
-/// Stores the vector's low bits, as many as the memory's LAU is wide, into the cell at the address; X and Z are 0. The
-/// name must be the normalised one.
+/// Stores the vector's low bits, as many as the memory's LAU is wide (the vector must have them), into the cell at the
+/// address; X and Z are 0. The name must be the normalised one.
 [[gnu::visibility("default")]] void marlune_dpi_memory_write(char const* name, unsigned int address,
                                                              t_vpi_vecval const* data);
 

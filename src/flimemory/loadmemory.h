@@ -128,7 +128,8 @@ private:
 
     /// As many as there are in packed form, but not all at once.
     int CopyNumbers(int index, std::uint32_t cell, int count) {
-        if (m_Step == 1 && m_Data.IsUntouchedZero(index, count)) {
+        const std::int64_t span = (count - std::int64_t{1}) * m_Step + 1;
+        if (m_Data.IsUntouchedZero(index, static_cast<int>(span))) {
             m_Storage.FillZero(cell, static_cast<std::uint32_t>(count));
             return count;
         }

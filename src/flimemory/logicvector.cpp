@@ -24,8 +24,7 @@ void SVLV2CI(marlune_int<1024, true>& target, const t_vpi_vecval* vector, int wi
 
 void CI2SVLV(t_vpi_vecval* vector, const marlune_int<1024, true>& value, int width) {
     for (int i = 0; i < width; ++i) {
-        const bool isOne = i < VALUE_BITS ? value.Bit(static_cast<unsigned>(i)) : value.IsNegative();
-        svPutBitselLogic(vector, i, isOne ? sv_1 : sv_0);
+        svPutBitselLogic(vector, i, value.Bit(static_cast<unsigned>(i)) ? sv_1 : sv_0);
     }
 }
 

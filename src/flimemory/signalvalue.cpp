@@ -69,9 +69,10 @@ CWord ValueOfElements(const unsigned char* elements, int count) {
 }
 
 void ElementsOfValue(const CWord& value, unsigned char* elements, int count) {
+    const std::uint32_t sign = value.IsNegative() ? 0xFFFFFFFF : 0;
     int left = count;
     for (unsigned limb = 0; left > 0; ++limb) {
-        std::uint32_t bits = limb < CWord::LIMB_COUNT ? value.Limb(limb) : 0;
+        std::uint32_t bits = limb < CWord::LIMB_COUNT ? value.Limb(limb) : sign;
         unsigned shift = 0;
         for (; shift < 32 && left >= GROUP; shift += GROUP, bits >>= GROUP) {
             left -= GROUP;

@@ -89,12 +89,12 @@ void CSparseCells::StoreWide(CBlock& block, unsigned cell, const CWord& word) {
         m_FreeWideWords.pop_back();
         block.SetWide(cell, true);
     }
-    m_WideWords[index] = word;
+    m_WideWords[static_cast<std::size_t>(index)] = word;
 }
 
 CSparseCells::CWord CSparseCells::Load(const CBlock& block, unsigned cell) const {
     const std::uint64_t word = block.Word(cell);
-    return block.IsWide(cell) ? m_WideWords[word] : CWord::FromUnsigned(word);
+    return block.IsWide(cell) ? m_WideWords[static_cast<std::size_t>(word)] : CWord::FromUnsigned(word);
 }
 
 std::size_t CSparseCells::count(std::uint32_t address) const {
@@ -184,15 +184,26 @@ void CSparseCells::FillZero(std::uint32_t first, std::uint32_t count) {
 
 void CSparseCells::FillBlocks(std::uint32_t first, std::uint32_t last) {
     std::uint64_t added = std::uint64_t{last} - first + 1; // blocks of which no cell has been counted
-    for (CBlock& block : m_Slots) {
-        if (block.IsFree() || block.Number() < first || block.Number() > last) {
-            continue;
-        }
+    const auto clear = [&](CBlock& block) {
         m_Size += block.Insert(block.Number(), ALL_CELLS);
         for (unsigned cell = 0; cell < BLOCK_CELLS; ++cell) {
             Write(block.Number() * BLOCK_CELLS + cell, CWord());
         }
         added -= IsInZeroRun(block.Number()) ? 0 : 1;
+    };
+    if (added < m_Slots.size()) {
+        for (std::uint32_t number = first; number - first <= last - first; ++number) {
+            CBlock& block = m_Slots[SlotOf(m_Slots, number)];
+            if (!block.IsFree()) {
+                clear(block);
+            }
+        }
+    } else {
+        for (CBlock& block : m_Slots) {
+            if (!block.IsFree() && block.Number() >= first && block.Number() <= last) {
+                clear(block);
+            }
+        }
     }
     auto run = m_ZeroRuns.upper_bound(first);
     if (run != m_ZeroRuns.begin() && std::prev(run)->second >= first) {

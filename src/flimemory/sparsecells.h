@@ -34,7 +34,7 @@ public:
     void FillZero(std::uint32_t first, std::uint32_t count);
 
     /// The number of cells present.
-    std::size_t size() const { return m_Size; }
+    std::uint64_t size() const { return m_Size; }
     bool empty() const { return m_Size == 0; }
     /// 1 if the cell is present, else 0; never creates one.
     std::size_t count(std::uint32_t address) const;
@@ -114,7 +114,7 @@ private:
 
     std::vector<CBlock> m_Slots; // open addressing, a power of two, at most three quarters of them taken
     std::size_t m_BlockCount = 0;
-    std::size_t m_Size = 0;
+    std::uint64_t m_Size = 0;
     std::size_t m_LastSlot = 0; // accesses come in runs
     // First to last number of runs of blocks whose cells are all present, and zero unless the block is in the table.
     std::map<std::uint32_t, std::uint32_t> m_ZeroRuns;

@@ -72,6 +72,7 @@ TEST(NumberCast, ConvertsLiteralsOrSaysWhyNot) {
         {"'\\q'", "include/number_cast(224) error: Conversion of char escape sequence failed. '\\q'"},
         {"'\\xFF'", "include/number_cast(230) error: Escape sequence is out of range of char type. '\\xFF'"},
         {"'\\377'", "include/number_cast(230) error: Escape sequence is out of range of char type. '\\377'"},
+        {"'\\-'", "include/number_cast(230) error: Escape sequence is out of range of char type. '\\-'"},
         {"'\\x'", "include/number_cast(230) error: Escape sequence is out of range of char type. '\\x'"},
     };
     for (const auto& [text, expected] : cases) {
