@@ -32,7 +32,8 @@ void CBitStore::Set(std::uint64_t position, unsigned count, std::uint64_t bits) 
         const unsigned part = std::min(count, 64 - offset);
         const std::uint64_t mask = LimbMask(offset, offset + part);
         count -= part;
-        std::uint64_t& limb = Chunk(position / BITS_PER_CHUNK)[position % BITS_PER_CHUNK / 64];
+        const std::uint64_t index = position % BITS_PER_CHUNK / 64;
+        std::uint64_t& limb = MakeChunk(position / BITS_PER_CHUNK, index).m_Limbs[index];
         limb = (limb & ~mask) | (bits >> count << (64 - offset - part) & mask);
         position += part;
     }
@@ -48,7 +49,7 @@ void CBitStore::Clear(std::uint64_t position, std::uint64_t count) {
         if (last - first == BITS_PER_CHUNK) {
             chunk = m_Chunks.erase(chunk);
         } else {
-            ClearBits(chunk->second.data(), first, last);
+            ClearBits(chunk->second.data(), first, std::min<std::uint64_t>(last, chunk->second.size() * 64));
             ++chunk;
         }
     }
@@ -59,15 +60,19 @@ bool CBitStore::IsUntouched(std::uint64_t position, std::uint64_t count) const {
     return chunk == m_Chunks.end() || chunk->first * BITS_PER_CHUNK >= position + count;
 }
 
-const std::uint64_t* CBitStore::FindChunk(std::uint64_t chunk) const {
+CBitStore::SConstLimbs CBitStore::FindChunk(std::uint64_t chunk) const {
     const auto found = m_Chunks.find(chunk);
-    return found == m_Chunks.end() ? nullptr : found->second.data();
+    return found == m_Chunks.end() ? SConstLimbs{} : SConstLimbs{found->second.data(), found->second.size()};
 }
 
-std::vector<std::uint64_t>& CBitStore::Chunk(std::uint64_t chunk) {
+CBitStore::SLimbs CBitStore::MakeChunk(std::uint64_t chunk, std::uint64_t limb) {
     std::vector<std::uint64_t>& limbs = m_Chunks[chunk];
-    limbs.resize(LIMBS_PER_CHUNK);
-    return limbs;
+    if (limb >= limbs.size()) {
+        // Grown by doubling, at the end to exactly a chunk.
+        limbs.reserve(std::min(LIMBS_PER_CHUNK, std::max<std::uint64_t>(limb + 1, 2 * limbs.size())));
+        limbs.resize(limbs.capacity());
+    }
+    return {limbs.data(), limbs.size()};
 }
 
 } // namespace ObjectFile

@@ -8,7 +8,8 @@
 namespace ObjectFile {
 
 /// A sequence of up to 2^64 bits in which bits never written read as 0. Memory is taken in chunks of 64 KiB where
-/// something was written. Within a 64-bit limb the bit with the smallest index is the most significant.
+/// something was written, and less for a chunk of which only the beginning is in use. Within a 64-bit limb the bit with
+/// the smallest index is the most significant.
 class CBitStore {
 public:
     static constexpr std::uint64_t LIMBS_PER_CHUNK = 8192;
@@ -25,14 +26,19 @@ public:
     /// True when nothing was ever written there; false says nothing about the bits.
     bool IsUntouched(std::uint64_t position, std::uint64_t count) const;
 
-    /// The limbs of chunk number `chunk`, or none when nothing was written there.
-    const std::uint64_t* FindChunk(std::uint64_t chunk) const;
-    /// The same, created when absent.
-    std::uint64_t* MakeChunk(std::uint64_t chunk) { return Chunk(chunk).data(); }
+    /// The limbs of a chunk that are in use; those behind them are 0.
+    template <typename TLimb>
+    struct SLimbSpan {
+        TLimb* m_Limbs = nullptr;
+        std::uint64_t m_Count = 0;
+    };
+    using SLimbs = SLimbSpan<std::uint64_t>;
+    using SConstLimbs = SLimbSpan<const std::uint64_t>;
+    SConstLimbs FindChunk(std::uint64_t chunk) const;
+    /// The same, with at least limb number `limb` in use.
+    SLimbs MakeChunk(std::uint64_t chunk, std::uint64_t limb);
 
 private:
-    std::vector<std::uint64_t>& Chunk(std::uint64_t chunk);
-
     std::map<std::uint64_t, std::vector<std::uint64_t>> m_Chunks;
 };
 
@@ -59,12 +65,13 @@ public:
             m_Limbs = m_Store->FindChunk(chunk);
             m_Chunk = chunk;
         }
-        return m_Limbs == nullptr ? 0 : m_Limbs[limb % CBitStore::LIMBS_PER_CHUNK];
+        const std::uint64_t index = limb % CBitStore::LIMBS_PER_CHUNK;
+        return index < m_Limbs.m_Count ? m_Limbs.m_Limbs[index] : 0;
     }
 
 private:
     const CBitStore* m_Store;
-    const std::uint64_t* m_Limbs = nullptr;
+    CBitStore::SConstLimbs m_Limbs;
     std::uint64_t m_Chunk = ~std::uint64_t{0};
 };
 
@@ -88,16 +95,17 @@ private:
     std::uint64_t* Limb() {
         const std::uint64_t limb = m_Position / 64;
         const std::uint64_t chunk = limb / CBitStore::LIMBS_PER_CHUNK;
-        if (chunk != m_Chunk) {
-            m_Limbs = m_Store->MakeChunk(chunk);
+        const std::uint64_t index = limb % CBitStore::LIMBS_PER_CHUNK;
+        if (chunk != m_Chunk || index >= m_Limbs.m_Count) {
+            m_Limbs = m_Store->MakeChunk(chunk, index);
             m_Chunk = chunk;
         }
-        return m_Limbs + limb % CBitStore::LIMBS_PER_CHUNK;
+        return m_Limbs.m_Limbs + index;
     }
 
     CBitStore* m_Store;
     std::uint64_t m_Position;
-    std::uint64_t* m_Limbs = nullptr;
+    CBitStore::SLimbs m_Limbs;
     std::uint64_t m_Chunk = ~std::uint64_t{0};
 };
 

@@ -288,14 +288,7 @@ void CSectionData::Add(std::string_view bits) {
     GrowByteCount(static_cast<std::int64_t>(bits.size()));
     const std::string_view topUp = bits.substr(0, static_cast<std::size_t>(TopUpRoom()));
     if (!topUp.empty()) {
-        const int last = m_LineCount - 1;
-        const std::int64_t length = LineLength(last);
-        if (FindIrregular(last) == nullptr && IsBinary(topUp)) {
-            PackText(BitPosition(last) + static_cast<std::uint64_t>(length), topUp);
-            m_LastLength += static_cast<int>(topUp.size());
-        } else {
-            StoreLine(last, LineText(last) + std::string(topUp));
-        }
+        AppendToLastLine(topUp);
         bits.remove_prefix(topUp.size());
     }
     while (!bits.empty()) {
@@ -348,10 +341,10 @@ void CSectionData::FillZero(int byteCount) {
     GrowByteCount(characters);
     if (const std::int64_t topUp = std::min(TopUpRoom(), characters); topUp > 0) {
         const int last = m_LineCount - 1;
-        if (FindIrregular(last) == nullptr) {
+        if (FindIrregular(last) == nullptr && m_LastLength + topUp <= m_WordBitSize) {
             m_LastLength += static_cast<int>(topUp);
         } else {
-            StoreLine(last, LineText(last) + std::string(static_cast<std::size_t>(topUp), '0'));
+            AppendToLastLine(std::string(static_cast<std::size_t>(topUp), '0'));
         }
         characters -= topUp;
     }
@@ -381,6 +374,17 @@ std::int64_t CSectionData::TopUpRoom() const {
     }
     // A part of a byte at the line's end does not count: the line may grow beyond the word.
     return m_WordBitSize - length / m_ByteBitSize * m_ByteBitSize;
+}
+
+void CSectionData::AppendToLastLine(std::string_view text) {
+    const int last = m_LineCount - 1;
+    const std::int64_t length = LineLength(last) + static_cast<std::int64_t>(text.size());
+    if (FindIrregular(last) == nullptr && length <= m_WordBitSize && IsBinary(text)) {
+        PackText(BitPosition(last) + static_cast<std::uint64_t>(m_LastLength), text);
+        m_LastLength = static_cast<int>(length);
+    } else {
+        StoreLine(last, LineText(last).append(text));
+    }
 }
 
 void CSectionData::GrowByteCount(std::int64_t characters) {

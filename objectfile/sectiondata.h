@@ -72,8 +72,9 @@ public:
     /// not well-formed: GetByte then has its text or its error.
     bool GetByteBits(int address, std::uint64_t* limbs) const;
     /// Stores the bytes first, first + stride, ... as numbers in cells[0], cells[1], ..., at most `count` of them, and
-    /// returns how many: it stops where GetByteBits would answer false. With `reversed` the byte's last character is
-    /// the most significant bit. For bytes of up to 64 bits; returns 0 for wider ones. `stride` is at least 1.
+    /// returns how many. It stops before a line that is not well-formed, even if the stride leaps over it, and returns
+    /// 0 only where GetByteBits(first) answers false or bytes have more than 64 bits. With `reversed` the byte's last
+    /// character is the most significant bit. `stride` is at least 1.
     int CopyBytes(int first, int stride, int count, bool reversed, std::uint64_t* cells) const;
     /// True when bytes [first, first + count) are all inside the data and zeros that were never written, answered
     /// without looking at each.
@@ -109,6 +110,7 @@ private:
     bool EndsInWholeBytes() const;
     /// Characters that the last line takes before a new line begins.
     std::int64_t TopUpRoom() const;
+    void AppendToLastLine(std::string_view text);
     void GrowByteCount(std::int64_t characters);
 
     std::string UnpackText(std::uint64_t position, std::int64_t length) const;

@@ -1,0 +1,135 @@
+#include "testfile.h"
+
+#include <climits>
+#include <ios>
+#include <iostream>
+#include <stdexcept>
+
+using namespace ObjectFile;
+
+namespace {
+
+/// An object file with one section of four zero bytes and a symbol in it.
+struct CFixture {
+    explicit CFixture(eByteOrder order) : m_ObjectFile(32, 4, order, "") {
+        m_ObjectFile.SetFileName("a.vexon");
+        m_Section = m_ObjectFile.CreateSection(CSection::TYPE_TEXT, ".text");
+        m_Section->CreateSectionData()->FillZero(24);
+        m_Relocation.m_Symbol = new CSymbol("sym", CSymbol::TYPE_PUBLIC, m_Section); // owned by the table
+        m_ObjectFile.CreateSymbolTable()->AddSymbol(m_Relocation.m_Symbol);
+        m_Relocation.m_Address = 16;
+        m_Relocation.m_SizeInBytes = 4;
+        m_Relocation.m_LowBit = 8;
+        m_Relocation.m_HighBit = 15;
+    }
+    CFixture(const CFixture&) = delete;
+    CFixture& operator=(const CFixture&) = delete;
+    CFixture(CFixture&&) = delete;
+    CFixture& operator=(CFixture&&) = delete;
+    ~CFixture() { std::cerr << std::dec; }
+
+    std::string Apply(long long value) {
+        m_Warning = ErrorOutput([&] { m_Section->SetRelocData(&m_Relocation, value); });
+        return m_Section->GetSectionData()->GetWord(4);
+    }
+
+    CObjectFile m_ObjectFile;
+    CSection* m_Section = nullptr;
+    CRelocation m_Relocation;
+    std::string m_Warning;
+};
+
+} // namespace
+
+TEST(Relocation, WritesTheFieldAndWarns) {
+    struct SCase {
+        unsigned int m_Flags;
+        long long m_Value;
+        const char* m_Field; // the eight characters of the field, most significant first
+        const char* m_Warning;
+    };
+    const std::string unsignedFit = " on address 10 is too big to fit into 8 bits, value was truncated to ";
+    const std::vector<SCase> cases = {
+        {0, 255, "11111111", ""},
+        {0, 300, "00101100", "Warning: Unsigned value 300(12c)%2c"},
+        {0, -1, "11111111", "Warning: Unsigned value -1(ffffffffffffffff)%ff"},
+        {CRelocation::FLAG_SIGNED, 127, "01111111", ""},
+        {CRelocation::FLAG_SIGNED, 200, "01001000", "Warning: Signed value 200(c8)%48"},
+        {CRelocation::FLAG_SIGNED, -1, "11111111", ""},
+        {CRelocation::FLAG_SIGNED, -130, "11111110", ""},
+        {CRelocation::FLAG_SIGNED, -200, "10111000", ""}, // below -128, but the rule finds nothing to cut
+        {CRelocation::FLAG_SIGNED, -300, "11010100", "Warning: Signed value -300(fffffffffffffed4)%fffffffffffffe54"},
+        {CRelocation::FLAG_SIGNED, LLONG_MIN, "10000000", ""},
+    };
+    for (const SCase& test : cases) {
+        for (const eByteOrder order : {BO_BIG, BO_LITTLE, BO_UNDEFINED}) {
+            SCOPED_TRACE(testing::Message() << test.m_Value << " order " << order);
+            CFixture fixture(order);
+            fixture.m_Relocation.m_Flags = test.m_Flags;
+            const std::string word = "00000000" + std::string(test.m_Field) + "0000000000000000";
+            EXPECT_EQ(fixture.Apply(test.m_Value), order == BO_LITTLE ? ReverseEndianess(word) : word);
+            std::string warning = test.m_Warning;
+            if (!warning.empty()) {
+                warning.replace(warning.find('%'), 1, unsignedFit);
+                warning += ",(symbol name: 'sym', section name: '.text', obj. file name: 'a.vexon').\n";
+                EXPECT_EQ(std::cerr.flags() & std::ios::basefield, std::ios::hex);
+            }
+            EXPECT_EQ(fixture.m_Warning, warning);
+        }
+    }
+}
+
+TEST(Relocation, FieldsAtTheEdges) {
+    CFixture fixture(BO_BIG);
+    fixture.m_Relocation.m_Symbol->SetType(CSymbol::TYPE_EXTERN);
+    fixture.Apply(256);
+    EXPECT_EQ(fixture.m_Warning, "Warning: Unsigned value 256(100) on address 10 is too big to fit into 8 bits, value "
+                                 "was truncated to 0,(symbol name: 'sym', section unknown)\n");
+    fixture.m_Relocation.m_SizeInBytes = 8; // a field of 64 bits is never checked
+    fixture.m_Relocation.m_LowBit = 0;
+    fixture.m_Relocation.m_HighBit = 63;
+    EXPECT_EQ(fixture.Apply(-2), std::string(32, '1'));
+    EXPECT_EQ(fixture.m_Section->GetSectionData()->GetWord(5), std::string(31, '1') + "0");
+    EXPECT_EQ(fixture.m_Warning, "");
+    const std::vector<std::pair<int, int>> outside = {{-1, 3}, {0, 64}, {5, 4}, {64, 64}};
+    for (const auto& [low, high] : outside) {
+        fixture.m_Relocation.m_LowBit = low;
+        fixture.m_Relocation.m_HighBit = high;
+        EXPECT_THROW(fixture.Apply(0), std::out_of_range) << low << " " << high;
+        testing::internal::GetCapturedStderr();
+    }
+    for (const unsigned long long address : {17ULL, ~0ULL, 1ULL << 32}) {
+        fixture.m_Relocation.m_Address = address;
+        EXPECT_THROW(fixture.m_Section->SetRelocData(&fixture.m_Relocation, 0), std::out_of_range);
+    }
+    fixture.m_Relocation.m_Symbol = nullptr;
+    fixture.m_Relocation.m_LowBit = 1;
+    fixture.m_Relocation.m_HighBit = 1;
+    EXPECT_THROW(fixture.m_Section->SetRelocData(&fixture.m_Relocation, 2), general_error);
+}
+
+TEST(RelocationTable, CopiesAndPositions) {
+    CFixture fixture(BO_BIG);
+    CRelocation* const added = fixture.m_Section->AddRelocation(fixture.m_Relocation);
+    CRelocationTable& table = *fixture.m_Section->GetRelocationTable();
+    EXPECT_EQ(table.Find(added), 0);
+    EXPECT_EQ(table.Find(&fixture.m_Relocation), -1);
+    EXPECT_EQ(table.Get(1), nullptr);
+    EXPECT_EQ(added->GetSymbolID(), 0);
+
+    CObjectFile target(32, 4, BO_BIG, "");
+    CSymbolTable& symbols = *target.CreateSymbolTable();
+    try {
+        fixture.m_Section->Copy(target, &symbols);
+        FAIL();
+    } catch (const general_error& error) {
+        EXPECT_STREQ(error.what(), "General error: Symbol sym does not exist");
+    }
+    EXPECT_EQ(target.SectionsCount(), 0);
+    symbols.AddSymbol(std::make_unique<CSymbol>("sym", CSymbol::TYPE_EXTERN));
+    const CSection* const copy = fixture.m_Section->Copy(target, &symbols);
+    EXPECT_EQ(copy->GetOwner(), &target);
+    EXPECT_EQ(copy->GetSectionDataByteCount(), 24);
+    EXPECT_EQ(copy->GetRelocation(0)->m_Symbol, symbols.GetSymbol(0));
+    EXPECT_EQ(copy->GetRelocation(0)->m_HighBit, 15);
+}

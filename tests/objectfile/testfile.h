@@ -1,0 +1,54 @@
+// Files and object files for the tests.
+#ifndef MARLUNE_TESTS_OBJECTFILE_TESTFILE_H
+#define MARLUNE_TESTS_OBJECTFILE_TESTFILE_H
+
+#include "objectfile/objectfile.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+/// A file in the temporary folder, removed at the end.
+class CTestFile {
+public:
+    explicit CTestFile(const std::string& text = "");
+    CTestFile(const CTestFile&) = delete;
+    CTestFile& operator=(const CTestFile&) = delete;
+    CTestFile(CTestFile&&) = delete;
+    CTestFile& operator=(CTestFile&&) = delete;
+    ~CTestFile();
+
+    const std::string& Path() const { return m_Path; }
+    void Write(const std::string& text) const;
+
+private:
+    std::string m_Path;
+};
+
+std::string ReadFile(const std::string& path);
+/// The text of tests/data/<name>.
+std::string TestData(const std::string& name);
+std::vector<std::string> Lines(const std::string& text);
+std::string Join(const std::vector<std::string>& lines);
+
+/// The object file's text with the time stamp of TestData's files.
+std::string Save(ObjectFile::CObjectFile& objectFile);
+/// The text as an object file; throws what LoadFromStream throws.
+std::unique_ptr<ObjectFile::CObjectFile> Load(const std::string& text);
+/// The message of the exception that loading the text ends in, or "loaded".
+std::string LoadError(const std::string& text);
+
+/// Resident memory of this process at its largest, in KiB.
+long PeakMemory();
+
+/// What `action` writes to the standard error stream.
+template <typename TAction>
+std::string ErrorOutput(TAction action) {
+    testing::internal::CaptureStderr();
+    action();
+    return testing::internal::GetCapturedStderr();
+}
+
+#endif
