@@ -3,12 +3,14 @@
 #include <iostream>
 #include <limits>
 #include <new>
+#include <stdexcept>
 
 #include <CLI/CLI.hpp>
 
 #include "tools/commands.h"
 #include "tools/image.h"
 #include "tools/table.h"
+#include "tools/text.h"
 
 namespace marlune::tool {
 namespace {
@@ -116,7 +118,7 @@ int main(int argc, char** argv) {
     } catch (const std::bad_alloc&) {
         std::cerr << "marlune-image: there is not enough memory\n";
     } catch (const std::exception& error) {
-        std::cerr << "marlune-image: " << error.what() << '\n';
+        std::cerr << "marlune-image: " << marlune::tool::Printable(error.what()) << '\n';
     }
     return marlune::tool::STATUS_BAD;
 }
