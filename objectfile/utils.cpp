@@ -15,10 +15,10 @@ namespace {
 template <typename T>
 T ParseNumber(T (*convert)(const char*, char**, int), const std::string& text, int base) {
     const char* const begin = text.c_str();
-    char* end = const_cast<char*>(begin); // NOLINT(cppcoreguidelines-pro-type-const-cast): untouched for a bad base
+    char* end = nullptr;
     errno = 0;
     const T value = convert(begin, &end, base);
-    if (end == begin) {
+    if (end == begin || errno == EINVAL) { // EINVAL: no such base
         throw invalid_format("Invalid format of number");
     }
     if (errno == ERANGE) {
