@@ -69,7 +69,8 @@ CBitStore::SLimbs CBitStore::MakeChunk(std::uint64_t chunk, std::uint64_t limb) 
     std::vector<std::uint64_t>& limbs = m_Chunks[chunk];
     if (limb >= limbs.size()) {
         // Grown by doubling, at the end to exactly a chunk.
-        limbs.reserve(std::min(LIMBS_PER_CHUNK, std::max<std::uint64_t>(limb + 1, 2 * limbs.size())));
+        const std::uint64_t wanted = std::max<std::uint64_t>(limb + 1, 2 * std::uint64_t{limbs.size()});
+        limbs.reserve(static_cast<std::size_t>(std::min(LIMBS_PER_CHUNK, wanted)));
         limbs.resize(limbs.capacity());
     }
     return {limbs.data(), limbs.size()};

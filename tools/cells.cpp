@@ -42,8 +42,8 @@ void CCells::FillZero(std::uint32_t first, std::uint32_t count) {
         if (pageFirst >= end) {
             break;
         }
-        const std::uint64_t from = std::max<std::uint64_t>(first, pageFirst) - pageFirst;
-        const std::uint64_t to = std::min(end - pageFirst, std::uint64_t{PAGE_CELLS});
+        const auto from = static_cast<std::size_t>(std::max<std::uint64_t>(first, pageFirst) - pageFirst);
+        const auto to = static_cast<std::size_t>(std::min(end - pageFirst, std::uint64_t{PAGE_CELLS}));
         std::fill(&page->second[from * m_Limbs], &page->second[0] + to * m_Limbs, 0U);
     }
 }

@@ -15,8 +15,8 @@ namespace {
 /// The piece's place in its address space, at least one character of it.
 std::string Bar(const SSpace& space, const SPiece& piece) {
     constexpr std::size_t LENGTH = 40;
-    const std::size_t begin = Scaled(space, piece.m_First, LENGTH - 1);
-    const std::size_t end = std::max<std::size_t>(Scaled(space, piece.End(), LENGTH), begin + 1);
+    const auto begin = static_cast<std::size_t>(Scaled(space, piece.m_First, LENGTH - 1));
+    const auto end = std::max(static_cast<std::size_t>(Scaled(space, piece.End(), LENGTH)), begin + 1);
     std::string bar(LENGTH, ' ');
     const char mark = piece.m_Section == nullptr ? '.' : piece.m_Overlaps != nullptr ? '!' : '#';
     std::fill_n(bar.begin() + static_cast<std::ptrdiff_t>(begin), end - begin, mark);

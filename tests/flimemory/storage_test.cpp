@@ -46,15 +46,15 @@ TEST(Storage, KeepsWhatTheRepresentationHolds) {
 
 TEST(Storage, ReportsAccessesOutside) {
     CSimulator simulator;
-    CStorage dense("top/mem", 8, 0x80000000);
+    CStorage dense("top/mem", 8, 16);
     dense.Write(0xFFFFFFFF, CWord(1));
     EXPECT_TRUE(dense.Read(0x80000000) == CWord());
     CStorage sparse("sparse", 8, 0xFFFFFFFF);
     sparse.Write(0xFFFFFFFF, CWord(1));
     EXPECT_TRUE(sparse.m_Contents.empty());
     EXPECT_EQ(simulator.TakeTranscript(),
-              "error: 'top/mem': Access outside of memory, address: -1, max value: -2147483648. Not writing anything.\n"
-              "error: 'top/mem': Access outside of memory, address: -2147483648, max value: -2147483648. Returning 0.\n"
+              "error: 'top/mem': Access outside of memory, address: -1, max value: 16. Not writing anything.\n"
+              "error: 'top/mem': Access outside of memory, address: -2147483648, max value: 16. Returning 0.\n"
               "error: 'sparse': Access outside of memory, address: -1, max value: -1. Not writing anything.\n");
 }
 
