@@ -1,0 +1,125 @@
+#ifndef MARLUNE_TESTS_ELFBUILDER_H
+#define MARLUNE_TESTS_ELFBUILDER_H
+
+#include <algorithm>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include <elf.h>
+
+struct CAddressSpace {
+    std::string m_Name;
+    std::uint16_t m_WordBitSize = 0;
+    std::uint16_t m_ByteBitSize = 0;
+    std::uint16_t m_BigEndian = 0;
+};
+
+template <typename T>
+std::string BytesOf(const T& record) {
+    return {reinterpret_cast<const char*>(&record), sizeof record};
+}
+
+/// Puts an ELF file together. A test may set any field; offsets, sizes, names and counts left at 0 are filled in.
+class CElfBuilder {
+public:
+    struct CSection {
+        std::string m_Name;
+        std::string m_Bytes;
+        Elf64_Shdr m_Header{};
+    };
+
+    /// An executable with the null section, the address space table, .shstrtab and .strtab.
+    explicit CElfBuilder(const std::vector<CAddressSpace>& spaces, bool bigEndian = false) : m_BigEndian(bigEndian) {
+        std::copy_n(ELFMAG, SELFMAG, m_Header.e_ident);
+        m_Header.e_ident[EI_CLASS] = ELFCLASS64;
+        m_Header.e_ident[EI_DATA] = bigEndian ? ELFDATA2MSB : ELFDATA2LSB;
+        m_Header.e_type = ET_EXEC;
+        m_Header.e_machine = 192;
+        m_Header.e_phentsize = sizeof(Elf64_Phdr);
+        m_Header.e_shentsize = sizeof(Elf64_Shdr);
+        std::string table = BytesOf(Half(static_cast<std::uint16_t>(spaces.size())));
+        for (const CAddressSpace& space : spaces) {
+            table += space.m_Name + '\0' + BytesOf(Half(7)) + BytesOf(Half(space.m_WordBitSize)) +
+                     BytesOf(Half(space.m_ByteBitSize)) + BytesOf(Half(space.m_BigEndian));
+        }
+        Add("", SHT_NULL);
+        Add(".shstrtab", SHT_STRTAB);
+        Add(".strtab", SHT_STRTAB, 0, 0, std::string(1, '\0'));
+        Add(".marlune_as", 0x70000000, std::uint64_t{99} << 32, 0, table);
+    }
+
+    CSection& Add(const std::string& name, std::uint32_t type, std::uint64_t flags = 0, std::uint64_t address = 0,
+                  const std::string& bytes = "") {
+        m_Sections.push_back({name, bytes, {0, type, flags, address, 0, 0, 0, 0, 4, 24}});
+        return m_Sections.back();
+    }
+
+    std::uint16_t Index(const std::string& name) const {
+        const auto found = std::find_if(m_Sections.begin(), m_Sections.end(),
+                                        [&](const CSection& section) { return section.m_Name == name; });
+        return static_cast<std::uint16_t>(found - m_Sections.begin());
+    }
+    CSection& operator[](const std::string& name) { return m_Sections.at(Index(name)); }
+
+    void AddSymbol(const std::string& name, unsigned bind, unsigned type, unsigned section, std::uint64_t value = 0,
+                   std::uint64_t size = 0) {
+        const auto nameOffset = static_cast<std::uint32_t>((*this)[".strtab"].m_Bytes.size());
+        (*this)[".strtab"].m_Bytes += name + '\0';
+        (*this)[".symtab"].m_Bytes +=
+            BytesOf(Elf64_Sym{nameOffset, static_cast<unsigned char>(ELF64_ST_INFO(bind, type)), 0,
+                              Half(static_cast<std::uint16_t>(section)), value, size});
+    }
+    void AddRelocation(const std::string& table, unsigned symbol, unsigned type, std::uint64_t offset,
+                       std::uint64_t addend) {
+        (*this)[table].m_Bytes +=
+            BytesOf(Elf64_Rela{offset, std::uint64_t{symbol} << 32 | type, static_cast<Elf64_Sxword>(addend)});
+    }
+
+    /// The file: header, program headers, contents, section headers.
+    std::string Bytes() const {
+        Elf64_Ehdr header = m_Header;
+        std::string contents;
+        std::string headers;
+        std::string names;
+        for (const Elf64_Phdr& segment : m_Segments) {
+            contents += BytesOf(segment);
+        }
+        for (const CSection& section : m_Sections) {
+            Elf64_Shdr record = section.m_Header;
+            record.sh_name += record.sh_name == 0 ? static_cast<std::uint32_t>(names.size()) : 0;
+            names += section.m_Name + '\0';
+            record.sh_offset += record.sh_offset == 0 ? sizeof header + contents.size() : 0;
+            record.sh_size += record.sh_size == 0 ? section.m_Bytes.size() : 0;
+            contents += section.m_Bytes;
+            headers += BytesOf(record);
+        }
+        Elf64_Shdr& namesRecord = reinterpret_cast<Elf64_Shdr*>(headers.data())[1];
+        namesRecord.sh_offset = sizeof header + contents.size();
+        namesRecord.sh_size = names.size();
+        header.e_phoff = sizeof header;
+        header.e_shoff = sizeof header + contents.size() + names.size();
+        header.e_phnum = static_cast<std::uint16_t>(m_Segments.size());
+        header.e_shnum = static_cast<std::uint16_t>(m_Sections.size());
+        header.e_shstrndx = static_cast<std::uint16_t>(header.e_shstrndx == 0 ? 1 : header.e_shstrndx);
+        for (Elf64_Half* field : {&header.e_type, &header.e_machine, &header.e_phentsize, &header.e_phnum,
+                                  &header.e_shentsize, &header.e_shnum, &header.e_shstrndx}) {
+            *field = Half(*field);
+        }
+        return BytesOf(header) + contents + names + headers;
+    }
+
+    Elf64_Ehdr m_Header{};
+    std::vector<Elf64_Phdr> m_Segments;
+
+private:
+    std::uint16_t Half(std::uint16_t value) const {
+        return m_BigEndian ? static_cast<std::uint16_t>(value << 8 | value >> 8) : value;
+    }
+
+    std::deque<CSection> m_Sections;
+    bool m_BigEndian;
+};
+
+#endif
