@@ -51,13 +51,14 @@ std::int64_t PackContents(std::string_view contents, unsigned bits, ObjectFile::
                           std::uint64_t* limbs) {
     const auto step = static_cast<std::size_t>(FileBytesPerByte(static_cast<int>(bits)));
     const auto count = static_cast<std::int64_t>((contents.size() + step - 1) / step);
-    CDigitPacker packer(limbs);
     if (bits == step * 8) { // no digit of the file is left out
-        for (; !contents.empty(); contents.remove_prefix(std::min(contents.size(), LIMB_BYTES))) {
-            packer.Put(DigitsOf(contents, order), 64);
+        for (; contents.size() >= LIMB_BYTES; contents.remove_prefix(LIMB_BYTES)) {
+            *limbs++ = DigitsOf(contents, order);
         }
+        *limbs = DigitsOf(contents, order);
         return count;
     }
+    CDigitPacker packer(limbs);
     // The digits that are in use begin the file bytes in one order and end them in the other.
     const std::size_t unused = order == ObjectFile::BO_BIG ? step * 8 - bits : 0;
     for (; !contents.empty(); contents.remove_prefix(std::min(contents.size(), step))) {
@@ -79,7 +80,7 @@ int FileBytesPerByte(int bits) {
 
 void AddContents(ObjectFile::CSectionData& data, std::string_view contents, int bits, ObjectFile::eByteOrder order) {
     constexpr std::size_t AT_ONCE = std::size_t{1} << 15; // file bytes: a whole number of memory bytes and of limbs
-    std::vector<std::uint64_t> limbs(AT_ONCE / LIMB_BYTES);
+    std::vector<std::uint64_t> limbs(AT_ONCE / LIMB_BYTES + 1);
     for (; !contents.empty(); contents.remove_prefix(std::min(contents.size(), AT_ONCE))) {
         const std::int64_t count =
             PackContents(contents.substr(0, AT_ONCE), static_cast<unsigned>(bits), order, limbs.data());

@@ -3,6 +3,7 @@
 #include "general_error"
 #include "objectfile/streams.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include <sys/stat.h>
@@ -17,9 +18,17 @@ std::vector<char> ReadWholeFile(const std::string& path) {
     if (!file || fstat(fileno(file.get()), &status) != 0 || !S_ISREG(status.st_mode)) {
         throw CGeneralError("File '" + path + "' could not be opened.\n");
     }
-    std::vector<char> bytes(static_cast<std::size_t>(status.st_size));
-    if (std::fread(bytes.data(), 1, bytes.size(), file.get()) != bytes.size()) {
-        CElfFile::ThrowUnexpectedEnd();
+    constexpr std::size_t AT_ONCE = std::size_t{1} << 16; // stays in the cache between its two writes
+    const auto size = static_cast<std::size_t>(status.st_size);
+    std::vector<char> bytes;
+    bytes.reserve(size);
+    while (bytes.size() < size) {
+        const std::size_t begin = bytes.size();
+        const std::size_t count = std::min(AT_ONCE, size - begin);
+        bytes.resize(begin + count);
+        if (std::fread(&bytes[begin], 1, count, file.get()) != count) {
+            CElfFile::ThrowUnexpectedEnd();
+        }
     }
     return bytes;
 }
