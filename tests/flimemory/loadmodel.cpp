@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-using ObjectFile::CMemoryOrganization;
 using ObjectFile::CObjectFile;
 using ObjectFile::CSection;
 

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
+#include <string_view>
 
 #include "svdpi.h"
 
@@ -23,11 +24,15 @@ std::string Positions(const std::string& letters) {
     return positions;
 }
 
+/// A value as the interface hands it over: a position, or the address of an array of them.
 std::string ElementText(mtiSignalIdT signal, mtiLongT value) {
+    const char position = static_cast<char>(value);
+    std::string_view text(&position, 1);
     if (signal->m_Type->m_Kind == MTI_TYPE_ARRAY) {
-        return {reinterpret_cast<const char*>(value), static_cast<std::size_t>(std::max(signal->m_Type->m_Length, 0))};
+        text = {reinterpret_cast<const char*>(value), // NOLINT(performance-no-int-to-ptr)
+                static_cast<std::size_t>(std::max(signal->m_Type->m_Length, 0))};
     }
-    return std::string(1, static_cast<char>(value));
+    return std::string(text);
 }
 
 void Log(const std::string& line) {
@@ -72,18 +77,18 @@ mtiSignalIdT CSimulator::Signal(const std::string& name) {
 std::string CSimulator::Value(const std::string& name) {
     std::string letters;
     for (const char position : m_Signals.at(name).m_Value) {
-        letters += STD_LOGIC[static_cast<int>(position)];
+        letters += STD_LOGIC[static_cast<unsigned char>(position)];
     }
     return letters;
 }
 
 void CSimulator::Elaborate(CInit init, const std::string& path, const std::string& parameters,
                            const std::vector<std::string>& ports, const std::string& scope) {
+    std::vector<std::string> names = ports; // the interface's names are writable
     std::deque<mtiInterfaceListT> list;
-    for (const std::string& name : ports) {
+    for (std::string& name : names) {
         const mtiSignalIdT signal = Signal(scope + name);
-        list.push_back(
-            {const_cast<char*>(name.c_str()), signal != nullptr ? signal->m_Type : nullptr, MTI_DIR_IN, {}, nullptr});
+        list.push_back({name.data(), signal != nullptr ? signal->m_Type : nullptr, MTI_DIR_IN, {}, nullptr});
         list.back().u.port = signal;
         if (list.size() > 1) {
             list[list.size() - 2].nxt = &list.back();
@@ -131,7 +136,7 @@ void CSimulator::RunDeltas(CChanges changes) {
 }
 
 void CSimulator::RunCallbacks(CCallbacks& callbacks) {
-    const CCallbacks run = callbacks;
+    const CCallbacks run = std::exchange(callbacks, {});
     m_QuitCallbacks.clear();
     m_RestartCallbacks.clear();
     for (auto& [name, signal] : m_Signals) {
