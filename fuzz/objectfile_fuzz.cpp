@@ -1,33 +1,15 @@
 // Loads arbitrary bytes as a text object file. What loads is used as a memory loader would use it, saved, and loaded
 // again from what was saved.
+#include "fuzz/inputfile.h"
 #include "objectfile/objectfile.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <iostream>
 #include <vector>
 
 using namespace ObjectFile;
 
 namespace {
-
-/// A file whose contents change with each input.
-const std::string& FilePath() {
-    static const std::string path = [] {
-        std::string name = std::filesystem::is_directory("/dev/shm") ? "/dev/shm/" : "/tmp/";
-        name += "objectfile-fuzz-XXXXXX";
-        close(mkstemp(name.data()));
-        static const std::string kept = name;
-        std::atexit([] { std::remove(kept.c_str()); });
-        return name;
-    }();
-    return path;
-}
 
 /// Reads some bytes in each of the ways there are; all must agree.
 void ReadSection(const CSection& section) {
@@ -68,10 +50,7 @@ bool Load(CObjectFile& objectFile) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     std::cerr.setstate(std::ios::failbit); // warnings are not of interest
-    if (std::FILE* const file = std::fopen(FilePath().c_str(), "wb")) {
-        std::fwrite(bytes, 1, size, file);
-        std::fclose(file);
-    }
+    WriteInput(bytes, size);
     CObjectFile objectFile;
     if (!Load(objectFile)) {
         return 0;
