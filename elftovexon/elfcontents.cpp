@@ -46,10 +46,9 @@ private:
     unsigned m_Used = 0; // digits in *m_Limb
 };
 
-/// Packs the memory bytes of `contents`; returns their number.
-std::int64_t PackContents(std::string_view contents, unsigned bits, ObjectFile::eByteOrder order,
+/// Packs the memory bytes of `contents`, each in `step` bytes; returns their number.
+std::int64_t PackContents(std::string_view contents, std::size_t step, unsigned bits, ObjectFile::eByteOrder order,
                           std::uint64_t* limbs) {
-    const auto step = static_cast<std::size_t>(FileBytesPerByte(static_cast<int>(bits)));
     const auto count = static_cast<std::int64_t>((contents.size() + step - 1) / step);
     if (bits == step * 8) { // no digit of the file is left out
         for (; contents.size() >= LIMB_BYTES; contents.remove_prefix(LIMB_BYTES)) {
@@ -78,12 +77,14 @@ int FileBytesPerByte(int bits) {
     return 0;
 }
 
-void AddContents(ObjectFile::CSectionData& data, std::string_view contents, int bits, ObjectFile::eByteOrder order) {
-    constexpr std::size_t AT_ONCE = std::size_t{1} << 15; // file bytes: a whole number of memory bytes and of limbs
+void AddContents(ObjectFile::CSectionData& data, std::string_view contents, std::size_t fileBytes,
+                 ObjectFile::eByteOrder order) {
+    constexpr std::size_t AT_ONCE = std::size_t{1} << 16; // file bytes: a whole number of memory bytes and of limbs
+    const int bits = data.GetByteBitSize();
     std::vector<std::uint64_t> limbs(AT_ONCE / LIMB_BYTES + 1);
     for (; !contents.empty(); contents.remove_prefix(std::min(contents.size(), AT_ONCE))) {
         const std::int64_t count =
-            PackContents(contents.substr(0, AT_ONCE), static_cast<unsigned>(bits), order, limbs.data());
+            PackContents(contents.substr(0, AT_ONCE), fileBytes, static_cast<unsigned>(bits), order, limbs.data());
         data.AddPacked(limbs.data(), count * bits);
     }
 }

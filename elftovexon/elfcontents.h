@@ -3,13 +3,15 @@
 
 #include "objectfile/sectiondata.h"
 
+#include <cstddef>
 #include <string_view>
 
 /// File bytes that hold one memory byte of `bits` bits: 1, 2, 4 or 8, and 0 above 64 bits.
 int FileBytesPerByte(int bits);
 
-/// Appends the memory bytes in `contents`, of 1 to 64 bits each, as ElfToVexon::ConvertByteToVexon writes them. A last
-/// memory byte that `contents` holds in part is filled up with zeros.
-void AddContents(ObjectFile::CSectionData& data, std::string_view contents, int bits, ObjectFile::eByteOrder order);
+/// Appends the memory bytes in `contents`, each in `fileBytes` bytes, as ElfToVexon::ConvertByteToVexon writes them.
+/// The data's byte bit-size is 1 to 64. A last memory byte that `contents` holds in part is filled up with zeros.
+void AddContents(ObjectFile::CSectionData& data, std::string_view contents, std::size_t fileBytes,
+                 ObjectFile::eByteOrder order);
 
 #endif

@@ -159,50 +159,48 @@ void ElfToVexon::ConvertSections() {
     for (std::size_t index = 0; index < m_SectionHeaders.size(); ++index) {
         const Elf64_Shdr& header = m_SectionHeaders[index];
         const std::string& name = m_SectionNames[index];
-        const SectionOrganization organization = OrganizationOf(header);
+        const CMemoryOrganization organization = OrganizationOf(header);
         if (!IsConverted(name, header)) {
             continue;
         }
-        CSection& section = *m_Target->CreateSection(SectionType(header), name, organization.m_Memory);
+        CSection& section = *m_Target->CreateSection(SectionType(header), name, organization);
         const auto elfIndex = static_cast<int>(index);
         section.SetMemoryByteAddress(static_cast<unsigned long long>(GetLoadAddress(elfIndex)));
         section.SetMemoryByteAddressIsAbsolute(IsExec());
         section.SetByteAddressAlignment(static_cast<unsigned>(header.sh_addralign));
-        ConvertContents(elfIndex, organization, section);
+        ConvertContents(elfIndex, section);
     }
 }
 
 /// From the address space that the upper half of the flags names; bytes of 8 bits in words of 32 when there is none.
-ElfToVexon::SectionOrganization ElfToVexon::OrganizationOf(const Elf64_Shdr& section) const {
+CMemoryOrganization ElfToVexon::OrganizationOf(const Elf64_Shdr& section) const {
     const std::uint64_t index = section.sh_flags >> 32;
     if (index >= m_AddressSpaces.size()) {
-        return {CMemoryOrganization(32, 4, m_ByteOrder, ""), 8};
+        return {32, 4, m_ByteOrder, ""};
     }
     const AddressSpace& space = m_AddressSpaces[static_cast<std::size_t>(index)];
     const int bytesPerWord = BytesPerWord(space.m_WordBitSize, space.m_ByteBitSize);
     if (bytesPerWord == 0) {
         throw CGeneralError("Unsupported word length\n");
     }
-    return {CMemoryOrganization(space.m_WordBitSize, bytesPerWord, space.m_BigEndian != 0 ? BO_BIG : BO_LITTLE,
-                                space.m_Name),
-            space.m_ByteBitSize};
+    return {space.m_WordBitSize, bytesPerWord, space.m_BigEndian != 0 ? BO_BIG : BO_LITTLE, space.m_Name};
 }
 
-void ElfToVexon::ConvertContents(int index, const SectionOrganization& organization, CSection& section) const {
+void ElfToVexon::ConvertContents(int index, CSection& section) const {
     const std::string_view contents = m_Contents[static_cast<std::size_t>(GetIndexContentOfSection(index))].m_Bytes;
     if (contents.empty()) {
         return;
     }
-    const int fileBytes = FileBytesPerByte(organization.m_ByteBitSize);
+    const auto fileBytes = static_cast<std::size_t>(FileBytesPerByte(BitsPerByte(section)));
     if (fileBytes == 0) {
         throw CGeneralError("Unsupported byte bit-size\n");
     }
     // The address space table itself, for one, has any size whatever the bytes of its address space.
     const bool isLoaded = section.GetType() == CSection::TYPE_TEXT || section.GetType() == CSection::TYPE_DATA;
-    if (isLoaded && contents.size() % static_cast<std::size_t>(fileBytes) != 0) {
+    if (isLoaded && contents.size() % fileBytes != 0) {
         throw CGeneralError("Section '" + section.GetName() + "' ends within a byte\n");
     }
-    AddContents(*section.CreateSectionData(), contents, organization.m_ByteBitSize, section.GetByteOrder());
+    AddContents(*section.CreateSectionData(), contents, fileBytes, section.GetByteOrder());
 }
 
 char* ElfToVexon::ConvertByteToVexon(const unsigned char* data, int bits, ObjectFile::eByteOrder order, char* out) {

@@ -93,10 +93,6 @@ private:
         int m_Section;
         std::vector<Elf64_Rela> m_Entries;
     };
-    struct SectionOrganization {
-        ObjectFile::CMemoryOrganization m_Memory;
-        int m_ByteBitSize;
-    };
 
     // Reading
     void LoadFile();
@@ -113,10 +109,10 @@ private:
     // Conversion
     void ConvertFileHeader();
     void ConvertSections();
-    void ConvertContents(int index, const SectionOrganization& organization, ObjectFile::CSection& section) const;
+    void ConvertContents(int index, ObjectFile::CSection& section) const;
     void ConvertSymbols();
     void ConvertRelocations();
-    SectionOrganization OrganizationOf(const Elf64_Shdr& section) const;
+    ObjectFile::CMemoryOrganization OrganizationOf(const Elf64_Shdr& section) const;
     std::unique_ptr<ObjectFile::CSymbol> ConvertSymbol(const Elf64_Sym& entry);
     std::string SymbolName(const Elf64_Sym& entry) const;
     void PlaceSymbol(const Elf64_Sym& entry, ObjectFile::CSymbol& symbol);

@@ -62,7 +62,7 @@ CElfBuilder Everything() {
 }
 
 std::string WriteFile(const std::string& bytes) {
-    const std::string path = testing::TempDir() + "elftovexon_test.elf";
+    std::string path = testing::TempDir() + "elftovexon_test.elf";
     std::remove(path.c_str()); // some file systems write a file out at once that is cut and filled again
     std::ofstream(path, std::ios::binary) << bytes;
     return path;
@@ -253,20 +253,20 @@ TEST(ElfToVexon, TakesLoadAddressesFromSegments) {
     const S empty{PT_LOAD, 0, 0, 0x200, 0, 0, 0, 0};
     const struct {
         std::vector<S> m_Segments;
-        std::uint32_t m_Type;
         std::uint64_t m_Flags;
+        std::uint32_t m_Type;
         std::uint32_t m_Expected;
     } cases[] = {
-        {{}, SHT_PROGBITS, SHF_ALLOC, 0x200},
-        {{load}, SHT_PROGBITS, 0, 0x200},
-        {{load, high}, SHT_PROGBITS, SHF_ALLOC, 0x5100}, // the first that holds it
-        {{load, high}, SHT_NOBITS, SHF_ALLOC, 0x90000000},
-        {{high, load}, SHT_NOBITS, SHF_ALLOC, 0x5100}, // the last one
-        {{tls, load}, SHT_PROGBITS, SHF_ALLOC, 0x5100},
-        {{load, tls}, SHT_PROGBITS, SHF_ALLOC | SHF_TLS, 0x7000},
-        {{unplaced, empty}, SHT_PROGBITS, SHF_ALLOC, 0x100},
-        {{unplaced, unplaced}, SHT_PROGBITS, SHF_ALLOC, 0x200},
-        {{unplaced, unplaced, high}, SHT_NOBITS, SHF_ALLOC, 0x90000000},
+        {{}, SHF_ALLOC, SHT_PROGBITS, 0x200},
+        {{load}, 0, SHT_PROGBITS, 0x200},
+        {{load, high}, SHF_ALLOC, SHT_PROGBITS, 0x5100}, // the first that holds it
+        {{load, high}, SHF_ALLOC, SHT_NOBITS, 0x90000000},
+        {{high, load}, SHF_ALLOC, SHT_NOBITS, 0x5100}, // the last one
+        {{tls, load}, SHF_ALLOC, SHT_PROGBITS, 0x5100},
+        {{load, tls}, SHF_ALLOC | SHF_TLS, SHT_PROGBITS, 0x7000},
+        {{unplaced, empty}, SHF_ALLOC, SHT_PROGBITS, 0x100},
+        {{unplaced, unplaced}, SHF_ALLOC, SHT_PROGBITS, 0x200},
+        {{unplaced, unplaced, high}, SHF_ALLOC, SHT_NOBITS, 0x90000000},
     };
     for (const auto& c : cases) {
         CElfBuilder elf({{"ram", 32, 8}});
