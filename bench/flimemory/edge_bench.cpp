@@ -127,6 +127,10 @@ void BM_Bare(benchmark::State& state) {
     }
 }
 
+/// Edge time over the width of the data, and over the number of port pairs.
+BENCHMARK(BM_Edge)->ArgsProduct({{0}, {8, 16, 32, 64, 128, 256, 512, 1024}, {1}})->Name("BM_EdgeWidth");
+BENCHMARK(BM_Edge)->ArgsProduct({{0}, {32}, {1, 2, 4, 8, 16}})->Name("BM_EdgePorts");
+
 #define MARLUNE_SHAPES                                                                                                 \
     Args({0, 32, 1})->Args({1, 32, 1})->Args({0, 128, 1})->Args({1, 128, 1})->Args({0, 32, 8})->Args({1, 32, 8})
 BENCHMARK(BM_Edge)->MARLUNE_SHAPES;

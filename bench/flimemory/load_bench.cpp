@@ -24,22 +24,23 @@ using ObjectFile::CSection;
 
 constexpr std::uint32_t UNITS = 16U << 20U; // of 8 bits
 constexpr const char* FILE_NAME = "load_bench.obj";
+constexpr const char* SWEEP_FILE_NAME = "load_bench_sweep.obj";
 
-/// 16 MiB of 8-bit units in words of 32 bits: about 140 MB of text.
-void SaveImage() {
+/// 8-bit units in words of 32 bits: 16 MiB of them make about 140 MB of text.
+void SaveImage(const char* fileName, std::uint32_t units) {
     CObjectFile image(32, 4, ObjectFile::BO_BIG, "ram");
     CSection& section = *image.CreateSection(CSection::TYPE_DATA, ".data");
     section.SetMemoryByteAddressIsAbsolute(true);
     std::string bytes(1U << 16U, '\0');
     std::uint32_t random = 1;
-    for (std::uint32_t done = 0; done < UNITS; done += static_cast<std::uint32_t>(bytes.size())) {
+    for (std::uint32_t done = 0; done < units; done += static_cast<std::uint32_t>(bytes.size())) {
         for (char& byte : bytes) {
             random = random * 1664525 + 1013904223;
             byte = static_cast<char>(random >> 24U);
         }
         section.AddBinaryData(bytes.data(), static_cast<unsigned>(bytes.size()));
     }
-    image.SaveFile(FILE_NAME);
+    image.SaveFile(fileName);
 }
 
 void Store(CStorage& storage, const CObjectFile& image, unsigned low = 0, unsigned high = 0xFFFFFFFF,
@@ -81,6 +82,20 @@ void BM_LoadFile(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * UNITS);
 }
 BENCHMARK(BM_LoadFile)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+/// Load time over size; argument: MiB of units.
+void BM_LoadSize(benchmark::State& state) {
+    const auto units = static_cast<std::uint32_t>(state.range(0)) << 20U;
+    SaveImage(SWEEP_FILE_NAME, units);
+    for ([[maybe_unused]] auto _ : state) {
+        CStorage storage("mem", 8, units);
+        CObjectFile image;
+        image.LoadFile(SWEEP_FILE_NAME);
+        Store(storage, image);
+    }
+    std::remove(SWEEP_FILE_NAME);
+}
+BENCHMARK(BM_LoadSize)->RangeMultiplier(2)->Range(1, 32)->Unit(benchmark::kMillisecond);
 
 void BM_LoadByHand(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) {
@@ -191,7 +206,7 @@ BENCHMARK(BM_LookUpAndCalls)->Args({32, 1})->Args({128, 1});
 } // namespace
 
 int main(int argc, char** argv) {
-    SaveImage();
+    SaveImage(FILE_NAME, UNITS);
     const int status = RunAndCompare(
         argc, argv,
         {{"load of a 16 MiB text image / by hand", "BM_LoadFile/0", "", "BM_LoadByHand", 1.5},

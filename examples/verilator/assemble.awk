@@ -1,6 +1,7 @@
-# Makes a text object file (docs/vexon-format.md) of an assembler source such as program.s:
+# Makes a text object file (docs/vexon-format.md) or an ELF executable of an assembler source such as program.s:
 #
 #   awk -f assemble.awk program.s > program.vexon
+#   printf "$(awk -v form=elf -f assemble.awk program.s)" > program.elf     (the bytes come as escape sequences)
 #
 # A .word is stored with its lowest byte first; bits stand in the order in which they are read.
 
@@ -27,7 +28,7 @@ $1 in operation { # a field that is not there, or not a register or number where
 
 { print FILENAME ":" FNR ": unknown: " $1 > "/dev/stderr"; failed = 1; exit 1 }
 
-END { if (!failed) write_file() }
+END { if (!failed) { if (form == "elf") write_elf(); else write_file() } }
 
 function add(line) { lines[sections, ++words[sections]] = line }
 
@@ -87,4 +88,51 @@ function write_file(    s, w, first_line) {
         first_line += words[s]
     }
     for (s = 1; s <= sections; ++s) for (w = 1; w <= words[s]; ++w) print lines[s, w]
+}
+
+# The ELF form: the sections with their contents behind the header, then the address space table, the section names and the
+# section headers. The upper half of a section's flags is the number of its address space.
+
+function little(value, bytes,    text) {
+    for (; bytes > 0; --bytes) { text = text sprintf("\\x%02x", value % 256); value = int(value / 256) }
+    return text
+}
+
+function text_bytes(text,    i, bytes) {
+    for (i = 1; i <= length(text); ++i)
+        bytes = bytes little(index(ascii, substr(text, i, 1)) + 31, 1)
+    return bytes little(0, 1)
+}
+
+function size_of(bytes) { return length(bytes) / 4 }
+
+function section_header(name, type, flags, space, address, bytes) {
+    headers = headers little(size_of(names_bytes), 4) little(type, 4) little(flags, 4) little(space, 4) \
+        little(address, 8) little(64 + size_of(contents), 8) little(size_of(bytes), 8) little(0, 8) little(4, 8) little(0, 8)
+    names_bytes = names_bytes text_bytes(name)
+    contents = contents bytes
+}
+
+function write_elf(    s, w, i, bytes, table, n) {
+    for (i = 32; i < 127; ++i) ascii = ascii sprintf("%c", i)
+    names_bytes = little(0, 1)
+    headers = little(0, 64)
+    table = little(sections, 2)
+    for (s = 1; s <= sections; ++s) {
+        bytes = ""
+        for (w = 1; w <= words[s]; ++w) for (i = 1; i <= 32; i += 8) bytes = bytes binary_byte(substr(lines[s, w], i, 8))
+        section_header(name[s], 1, space[s] == "program" ? 6 : 3, s - 1, address[s], bytes)
+        table = table text_bytes(space[s]) little(0, 2) little(bits[s], 2) little(bits[s] / units[s], 2) little(1, 2)
+    }
+    section_header(".marlune_as", 1879048192, 0, sections, 0, table)
+    n = names_bytes text_bytes(".shstrtab")
+    section_header(".shstrtab", 3, 0, 0, 0, n)
+    printf "%s", "\\x7fELF" little(2, 1) little(1, 1) little(1, 1) little(0, 9) little(2, 2) little(192, 2) little(1, 4) \
+        little(0, 8) little(0, 8) little(64 + size_of(contents), 8) little(0, 4) little(64, 2) little(0, 2) little(0, 2) \
+        little(64, 2) little(sections + 3, 2) little(sections + 2, 2) contents headers
+}
+
+function binary_byte(text,    value, i) {
+    for (i = 1; i <= 8; ++i) value = 2 * value + substr(text, i, 1)
+    return little(value, 1)
 }

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Assembles the program image, builds the processor's model with Verilator and runs it.
+# Assembles the program image in both its forms, builds the processor's model with Verilator and runs it with each.
 #
 # usage: run.sh BUILD-FOLDER [IMAGE]
 #
-# IMAGE is loaded in place of the assembled one; its contents must be the same.
+# IMAGE is loaded in place of the assembled ones; its contents must be the same.
 #
 # The build folder holds the library and the bridge; what comes into being goes to its folder examples/verilator, or, when
 # blanks and the like are in that path, which Verilator and make refuse, to a folder of its own in /tmp.
@@ -23,6 +23,8 @@ ln -sfn "$root" source
 ln -sfn "$build" lib
 
 awk -f source/examples/verilator/assemble.awk source/examples/verilator/program.s > program.vexon
+# shellcheck disable=SC2059 # the format is the file, as escape sequences
+printf "$(awk -v form=elf -f source/examples/verilator/assemble.awk source/examples/verilator/program.s)" > program.elf
 
 log=$work/build.log
 if ! verilator --cc --exe --build -j 2 --timing --vpi --prefix Vtop --top-module processor_tb --Mdir model \
@@ -33,4 +35,9 @@ if ! verilator --cc --exe --build -j 2 --timing --vpi --prefix Vtop --top-module
     cat "$log" >&2
     exit 1
 fi
-LD_LIBRARY_PATH=lib${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} model/Vtop +image="${2-program.vexon}" +text=program.vexon
+images=(program.vexon program.elf)
+[[ -z ${2-} ]] || images=("$2")
+for image in "${images[@]}"; do
+    echo "  $image"
+    LD_LIBRARY_PATH=lib${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} model/Vtop +image="$image" +text=program.vexon
+done
