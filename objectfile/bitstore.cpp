@@ -76,4 +76,21 @@ CBitStore::SLimbs CBitStore::MakeChunk(std::uint64_t chunk, std::uint64_t limb) 
     return {limbs.data(), limbs.size()};
 }
 
+void CBitAppender::AppendLimbs(const std::uint64_t* limbs, std::uint64_t count) {
+    if (m_Position % 64 != 0) {
+        std::for_each(limbs, limbs + count, [this](std::uint64_t limb) { Append(64, limb); });
+        return;
+    }
+    while (count > 0) {
+        const std::uint64_t first = m_Position / 64 % CBitStore::LIMBS_PER_CHUNK;
+        const std::uint64_t run = std::min(count, CBitStore::LIMBS_PER_CHUNK - first);
+        const auto chunk = m_Store->MakeChunk(m_Position / CBitStore::BITS_PER_CHUNK, first + run - 1);
+        std::copy_n(limbs, run, chunk.m_Limbs + first);
+        m_Position += run * 64;
+        limbs += run;
+        count -= run;
+    }
+    m_Limbs = {}; // they may have moved
+}
+
 } // namespace ObjectFile

@@ -91,6 +91,9 @@ public:
         }
     }
 
+    /// `count` times 64 bits, the first of them in the most significant bit of limbs[0].
+    void AppendLimbs(const std::uint64_t* limbs, std::uint64_t count);
+
 private:
     std::uint64_t* Limb() {
         const std::uint64_t limb = m_Position / 64;

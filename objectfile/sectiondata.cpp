@@ -315,10 +315,10 @@ void CSectionData::AddPacked(const std::uint64_t* limbs, std::int64_t count) {
     GrowByteCount(count);
     const std::int64_t length = m_LineCount == 0 ? 0 : std::int64_t{m_LineCount - 1} * m_WordBitSize + m_LastLength;
     CBitAppender out(m_Bits, static_cast<std::uint64_t>(length));
-    for (std::int64_t rest = count; rest > 0; ++limbs) {
-        const unsigned piece = PieceOf(static_cast<std::uint64_t>(rest));
-        out.Append(piece, *limbs >> (PIECE - piece));
-        rest -= piece;
+    const auto whole = static_cast<std::uint64_t>(count) / PIECE;
+    out.AppendLimbs(limbs, whole);
+    if (const auto rest = static_cast<unsigned>(count % PIECE); rest > 0) {
+        out.Append(rest, limbs[whole] >> (PIECE - rest));
     }
     m_LineCount = static_cast<int>((length + count + m_WordBitSize - 1) / m_WordBitSize);
     m_LastLength = static_cast<int>((length + count - 1) % m_WordBitSize + 1);
@@ -434,7 +434,7 @@ bool CSectionData::GetByteBits(int address, std::uint64_t* limbs) const {
     const std::uint64_t begin = BitPosition(line) + static_cast<std::uint64_t>(address % m_BytesPerWord) *
                                                         static_cast<std::uint64_t>(m_ByteBitSize);
     CBitReader bits(m_Bits);
-    std::uint64_t rest = static_cast<std::uint64_t>(m_ByteBitSize);
+    auto rest = static_cast<std::uint64_t>(m_ByteBitSize);
     for (; rest > 0; ++limbs) {
         const unsigned piece = PieceOf(rest);
         rest -= piece;
