@@ -140,6 +140,8 @@ TEST_F(CDpi, ReportsEachErrorAndGoesOn) {
                       m_File + "' (8)."));
     Init(MEMORY, m_File.c_str(), "ram", 0);
     EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Stride must be greater than zero."));
+    Init("tb.RAM.mem.RAM", m_File.c_str()); // the last one counts
+    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Cannot find memory object with name 'tb_RAM_mem'."));
     Init("RAM0", m_File.c_str()); // nothing before "RAM": the name is taken whole
     EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Cannot find memory object with name 'RAM0'."));
     Init(nullptr, m_File.c_str());

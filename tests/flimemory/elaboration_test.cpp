@@ -13,8 +13,8 @@ protected:
     CElaboration() {
         for (const char* name :
              {"CLK",   "a_Q0",  "a_RA0", "a_RE0", "B_d0",  "B_wa0", "B_we0",  "c_Q0",    "c_D0",    "c_A0",
-              "c_WE0", "c_CS0", "n_Q0",  "n_RA0", "xyz",   "Q0",    "z_x_Q0", "z_x_RA0", "z_x_RE0", "mRA0",
-              "mQ0",   "mRE0",  "s_Q0",  "s_RE0", "s_RA0", "s_WA0", "s_D0",   "s_WE0",   "s_CS0"}) {
+              "c_WE0", "c_CS0", "n_Q0",  "n_RA0", "xyz",   "Q0",    "z_x_Q0", "z_x_RA0", "z_x_RE0", "z_y_RA0",
+              "mRA0",  "mQ0",   "mRE0",  "s_Q0",  "s_RE0", "s_RA0", "s_WA0",  "s_D0",    "s_WE0",   "s_CS0"}) {
             m_Simulator.AddSignal(name, 8);
         }
     }
@@ -50,6 +50,8 @@ TEST_F(CElaboration, BuildsProcessAndDriversInOrder) {
 TEST_F(CElaboration, GroupsPortsByTheEndOfTheirNames) {
     // Incomplete groups and ports that play no part or are left open count for nothing.
     EXPECT_EQ(Elaborate("0 8 16", {"n_Q0", "n_RA0", "CLK", "xyz", "open_RE0", "x"}), NO_PORTS);
+    // The last "_" ends the prefix.
+    EXPECT_EQ(Elaborate("0 8 16", {"CLK", "z_x_Q0", "z_y_RA0", "z_x_RE0"}), NO_PORTS);
     // No "_" is needed before the role; the prefix is then empty.
     const std::vector<std::string> unprefixed = {
         "process without name", "sensitize CLK", "driver mQ0",      "owner mQ0",
