@@ -1,10 +1,12 @@
 #include "objectfile/memoryorganization.h"
 
+#include <utility>
+
 namespace ObjectFile {
 
 CMemoryOrganization::CMemoryOrganization(int wordBitSize, int bytesPerWord, eByteOrder order,
-                                         const std::string& addressSpaceName)
-    : m_AddressSpaceName(addressSpaceName), m_WordBitSize(wordBitSize), m_BytesPerWord(bytesPerWord),
+                                         std::string addressSpaceName)
+    : m_AddressSpaceName(std::move(addressSpaceName)), m_WordBitSize(wordBitSize), m_BytesPerWord(bytesPerWord),
       m_ByteOrder(order), m_Valid(true) {}
 
 bool CMemoryOrganization::HasTheSameMemoryOrganization(const CMemoryOrganization& other) const {

@@ -13,7 +13,7 @@ public:
     /// Not valid, nothing known.
     CMemoryOrganization() = default;
     /// Valid. `wordBitSize` in bits; a word has `bytesPerWord` bytes.
-    CMemoryOrganization(int wordBitSize, int bytesPerWord, eByteOrder order, const std::string& addressSpaceName);
+    CMemoryOrganization(int wordBitSize, int bytesPerWord, eByteOrder order, std::string addressSpaceName);
 
     /// The name must not hold blanks: a file would keep the part before the first.
     const std::string& GetAddressSpaceName() const { return m_AddressSpaceName; }

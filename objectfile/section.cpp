@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <utility>
 
 namespace ObjectFile {
 
@@ -26,8 +27,8 @@ std::size_t DigitOfBit(int bit, eByteOrder order) {
 
 CSection::CSection(CObjectFile* owner) : m_Owner(owner) {}
 
-CSection::CSection(eType type, const std::string& name, const CMemoryOrganization& organization, CObjectFile* owner)
-    : CMemoryOrganization(organization), m_Name(name), m_Owner(owner), m_Type(type) {}
+CSection::CSection(eType type, std::string name, const CMemoryOrganization& organization, CObjectFile* owner)
+    : CMemoryOrganization(organization), m_Name(std::move(name)), m_Owner(owner), m_Type(type) {}
 
 CSection::~CSection() = default;
 

@@ -36,8 +36,7 @@ public:
 
     /// `owner` is the object file that holds the section; borrowed, may be none.
     explicit CSection(CObjectFile* owner = nullptr);
-    CSection(eType type, const std::string& name, const CMemoryOrganization& organization,
-             CObjectFile* owner = nullptr);
+    CSection(eType type, std::string name, const CMemoryOrganization& organization, CObjectFile* owner = nullptr);
     CSection(const CSection&) = delete;
     CSection& operator=(const CSection&) = delete;
     CSection(CSection&&) = delete;

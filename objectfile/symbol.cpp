@@ -3,6 +3,7 @@
 #include "objectfile/objectfile.h"
 
 #include <iostream>
+#include <utility>
 
 namespace ObjectFile {
 
@@ -40,8 +41,8 @@ void CExpansionTable::SaveToStream(COutputStream& out) const {
     }
 }
 
-CSymbol::CSymbol(const std::string& name, eType type, CSection* section, unsigned long long memoryAddress)
-    : m_Name(name), m_Section(section), m_MemoryAddress(memoryAddress), m_Type(type) {}
+CSymbol::CSymbol(std::string name, eType type, CSection* section, unsigned long long memoryAddress)
+    : m_Name(std::move(name)), m_Section(section), m_MemoryAddress(memoryAddress), m_Type(type) {}
 
 void CSymbol::UpdateName(const std::string& name) {
     if (m_Owner != nullptr) {

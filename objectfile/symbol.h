@@ -57,7 +57,7 @@ public:
     };
 
     CSymbol() = default;
-    CSymbol(const std::string& name, eType type, CSection* section = nullptr, unsigned long long memoryAddress = 0);
+    CSymbol(std::string name, eType type, CSection* section = nullptr, unsigned long long memoryAddress = 0);
 
     const std::string& GetName() const { return m_Name; }
     /// Renames the symbol; in a table as CSymbolTable::UpdateSymbolName does.
@@ -145,8 +145,6 @@ public:
     int ExternSymbolCount() const;
 
 private:
-    friend class CSymbolTableContainer;
-
     void Append(std::unique_ptr<CSymbol> symbol);
 
     std::vector<std::unique_ptr<CSymbol>> m_Symbols;
