@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -46,7 +47,7 @@ void SaveElf(const std::string& path, bool bigEndian, unsigned sections, unsigne
         contents += static_cast<char>(random >> 24U);
     }
     std::vector<Elf64_Shdr> headers(2);
-    std::string names("\0.marlune_as", 13);
+    std::string names = '\0' + std::string(".marlune_as") + '\0';
     headers[1] = {1, SHT_LOPROC, 0, 0, sizeof(Elf64_Ehdr), TABLE_SIZE, 0, 0, 1, 0};
     std::string relocations;
     const auto add = [&](const std::string& name, std::uint32_t type, std::uint64_t flags, std::uint64_t address,
@@ -187,7 +188,7 @@ double PeakMemory(const char* path) {
 
 } // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
     if (fork() == 0) { // leaves this process small
         SaveElf(BIG_FILE, true, 1, UNITS, 0);
         SaveElf(LITTLE_FILE, false, 1, UNITS, 0);
@@ -208,4 +209,7 @@ int main(int argc, char** argv) {
     std::remove(BIG_FILE);
     std::remove(LITTLE_FILE);
     return status;
+} catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
 }
