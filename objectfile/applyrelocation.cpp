@@ -48,12 +48,21 @@ std::uint64_t NegativeMask(unsigned int signBit) {
     return ~(std::uint64_t{1} << signBit) - 1;
 }
 
+/// A field has 64 bits at the most; what a file says of bytes that nobody stored must not decide how long texts become.
+constexpr unsigned long long MAX_COVERED_BITS = 1U << 20U;
+
 /// The bytes that a relocation covers as one bit string, its first byte first.
 std::string CoveredBits(const CSectionData& data, const CRelocation& relocation) {
     const auto count = static_cast<unsigned long long>(data.GetByteCount());
-    const auto size = static_cast<unsigned long long>(relocation.m_SizeInBytes < 0 ? 0 : relocation.m_SizeInBytes);
-    if (size > count || relocation.m_Address > count - size) {
+    const auto size = static_cast<unsigned long long>(relocation.m_SizeInBytes);
+    if (relocation.m_SizeInBytes < 1) {
+        return {}; // in which no bit can be
+    }
+    if (data.GetByteBitSize() < 1 || size > count || relocation.m_Address > count - size) {
         throw std::out_of_range("Address out of range while reading byte");
+    }
+    if (size * static_cast<unsigned long long>(data.GetByteBitSize()) > MAX_COVERED_BITS) {
+        throw general_error("Relocation covers too many bits");
     }
     std::string bits;
     for (int i = 0; i < static_cast<int>(size); ++i) {
@@ -112,10 +121,8 @@ long long CSection::CheckSignedRelocationSizeAndTrunc(const CRelocation* relocat
 void CSection::SetRelocData(const CRelocation* relocation, long long value) {
     const long long cut = relocation->IsSigned() ? CheckSignedRelocationSizeAndTrunc(relocation, value)
                                                  : CheckUnsignedRelocationSizeAndTrunc(relocation, value);
-    if (!m_Data || m_Data->GetByteBitSize() < 1 || GetBytesPerWord() < 1) {
-        throw std::out_of_range("Address out of range while reading byte");
-    }
-    std::string bits = CoveredBits(*m_Data, *relocation);
+    static const CSectionData NO_DATA(0, 0);
+    std::string bits = CoveredBits(m_Data ? *m_Data : NO_DATA, *relocation);
     const bool isLittle = GetByteOrder() == BO_LITTLE;
     if (isLittle) {
         bits = ReverseEndianess(bits);
@@ -128,7 +135,7 @@ void CSection::SetRelocData(const CRelocation* relocation, long long value) {
     if (isLittle) {
         bits = ReverseEndianess(bits);
     }
-    const auto byteBitSize = static_cast<std::size_t>(GetWordBitSize() / GetBytesPerWord());
+    const auto byteBitSize = static_cast<std::size_t>(m_Data->GetByteBitSize());
     for (int i = 0; i < relocation->m_SizeInBytes; ++i) {
         m_Data->SetByte(static_cast<int>(relocation->m_Address) + i,
                         bits.substr(static_cast<std::size_t>(i) * byteBitSize, byteBitSize));

@@ -67,6 +67,9 @@ void CObjectFile::AddSection(CSection* section) {
 }
 
 void CObjectFile::DeleteSection(CSection* section) {
+    if (section == nullptr) {
+        return;
+    }
     for (int i = 0; i < SymbolTablesCount(); ++i) {
         CSymbolTable* const table = GetSymbolTable(i);
         for (int k = 0; k < table->Count(); ++k) {

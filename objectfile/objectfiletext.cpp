@@ -185,7 +185,7 @@ void CObjectFile::CheckLinks() {
         for (int k = 0; k < table.Count(); ++k) {
             CSymbol& symbol = *table.GetSymbol(k);
             try {
-                symbol.SetSection(GetSection(symbol.GetSectionIndex()));
+                symbol.SetSection(GetSection(symbol.GetSectionID()));
             } catch (const std::out_of_range&) {
                 throw syntax_error(0, "Section index does not exist");
             }

@@ -85,7 +85,7 @@ void CRelocation::SaveToStream(COutputStream& out) const {
     out.WriteLine(Int<int>::ToString(m_OffsetValue, 10), "offset value");
     out.WriteLine(Int<int>::ToString(m_ShiftAmount, 10), "shift amount");
     out.WriteLine(std::to_string(m_Mask), "mask");
-    out.WriteLine(Int<int>::ToString(GetSymbolID(), 10), ("symbol index (name " + m_Symbol->GetName() + ")").c_str());
+    out.WriteLine(Int<int>::ToString(GetSymbolID(), 10), "symbol index (name " + m_Symbol->GetName() + ")");
 }
 
 int CRelocation::GetSymbolID() const {

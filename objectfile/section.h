@@ -69,7 +69,7 @@ public:
     /// Appends binary digits (CSectionData::Add), creating the contents when absent.
     void AddData(const char* bits);
     /// Appends bytes as eight digits each: bit 7 first for BO_BIG, bit 0 first for BO_LITTLE. Throws general_error for
-    /// BO_UNDEFINED unless the count is 0.
+    /// BO_UNDEFINED unless the count is 0. All digits are appended in one go, whatever the size of the section's bytes.
     void AddBinaryData(const char* bytes, unsigned int count);
     void AddBinaryData(const std::vector<char>& bytes);
     /// The inverse of AddBinaryData; throws general_error for BO_UNDEFINED.

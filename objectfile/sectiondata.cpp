@@ -159,11 +159,11 @@ int CSectionData::LoadRun(CInputStream& in, int wanted) {
 
 void CSectionData::SaveToStream(COutputStream& out, Queue& /*queue*/) {
     CBitReader bits(m_Bits);
-    auto irregular = m_Irregular.begin();
     for (int line = 0; line < m_LineCount; ++line) {
-        if (irregular != m_Irregular.end() && irregular->first == line) {
-            out.WriteLine(irregular->second);
-            ++irregular;
+        if (m_Irregular.Has(line)) {
+            const std::string_view text = m_Irregular.Get(line);
+            out.Write(text.data(), text.size());
+            out.EndLine();
         } else {
             const int length = IsLastLine(line) ? m_LastLength : m_WordBitSize;
             WriteDigits(out, bits, BitPosition(line), static_cast<std::uint64_t>(length));
@@ -181,7 +181,7 @@ std::string CSectionData::GetByte(int address) const {
 void CSectionData::SetByte(int address, const std::string& text) {
     const SPlace place = Locate(address, "Address out of range while writing byte");
     const auto length = static_cast<std::int64_t>(text.size());
-    if (length == place.m_Length && IsBinary(text) && FindIrregular(place.m_Line) == nullptr) {
+    if (length == place.m_Length && IsBinary(text) && !m_Irregular.Has(place.m_Line)) {
         PackText(BitPosition(place.m_Line) + static_cast<std::uint64_t>(place.m_Position), text);
         return;
     }
@@ -208,8 +208,10 @@ std::string CSectionData::GetByteDigits(int address, int first, int count) const
     const SPlace place = Locate(address, "Address out of range while reading byte");
     const std::int64_t begin = std::min<std::int64_t>(std::max(first, 0), place.m_Length);
     const std::int64_t length = std::min<std::int64_t>(std::max(count, 0), place.m_Length - begin);
-    if (const std::string* text = FindIrregular(place.m_Line)) {
-        return text->substr(static_cast<std::size_t>(place.m_Position + begin), static_cast<std::size_t>(length));
+    if (m_Irregular.Has(place.m_Line)) {
+        return std::string(
+            m_Irregular.Get(place.m_Line)
+                .substr(static_cast<std::size_t>(place.m_Position + begin), static_cast<std::size_t>(length)));
     }
     return UnpackText(BitPosition(place.m_Line) + static_cast<std::uint64_t>(place.m_Position + begin), length);
 }
@@ -227,21 +229,15 @@ CSectionData::SPlace CSectionData::Locate(int address, const char* error) const 
     return {line, position, std::min<std::int64_t>(rest, m_ByteBitSize)};
 }
 
-const std::string* CSectionData::FindIrregular(int line) const {
-    const auto found = m_Irregular.find(line);
-    return found == m_Irregular.end() ? nullptr : &found->second;
-}
-
 std::int64_t CSectionData::LineLength(int line) const {
-    if (const std::string* text = FindIrregular(line)) {
-        return static_cast<std::int64_t>(text->size());
+    if (m_Irregular.Has(line)) {
+        return static_cast<std::int64_t>(m_Irregular.Get(line).size());
     }
     return IsLastLine(line) ? m_LastLength : m_WordBitSize;
 }
 
 std::string CSectionData::LineText(int line) const {
-    const std::string* text = FindIrregular(line);
-    return text != nullptr ? *text : UnpackText(BitPosition(line), LineLength(line));
+    return m_Irregular.Has(line) ? std::string(m_Irregular.Get(line)) : UnpackText(BitPosition(line), LineLength(line));
 }
 
 void CSectionData::RequireByteSize() const {
@@ -329,7 +325,7 @@ bool CSectionData::EndsInWholeBytes() const {
         return true;
     }
     const bool wholeBytes = m_LastLength % m_ByteBitSize == 0 && m_LastLength >= m_ByteBitSize;
-    return FindIrregular(m_LineCount - 1) == nullptr && (wholeBytes || m_LastLength == m_WordBitSize);
+    return !m_Irregular.Has(m_LineCount - 1) && (wholeBytes || m_LastLength == m_WordBitSize);
 }
 
 void CSectionData::FillZero(int byteCount) {
@@ -341,7 +337,7 @@ void CSectionData::FillZero(int byteCount) {
     GrowByteCount(characters);
     if (const std::int64_t topUp = std::min(TopUpRoom(), characters); topUp > 0) {
         const int last = m_LineCount - 1;
-        if (FindIrregular(last) == nullptr && m_LastLength + topUp <= m_WordBitSize) {
+        if (!m_Irregular.Has(last) && m_LastLength + topUp <= m_WordBitSize) {
             m_LastLength += static_cast<int>(topUp);
         } else {
             AppendToLastLine(std::string(static_cast<std::size_t>(topUp), '0'));
@@ -358,7 +354,7 @@ void CSectionData::FillZero(int byteCount) {
 
 void CSectionData::Clear() {
     m_Bits.Free();
-    m_Irregular.clear();
+    m_Irregular.Clear();
     m_LineCount = 0;
     m_LastLength = 0;
     m_ByteCount = 0;
@@ -379,7 +375,7 @@ std::int64_t CSectionData::TopUpRoom() const {
 void CSectionData::AppendToLastLine(std::string_view text) {
     const int last = m_LineCount - 1;
     const std::int64_t length = LineLength(last) + static_cast<std::int64_t>(text.size());
-    if (FindIrregular(last) == nullptr && length <= m_WordBitSize && IsBinary(text)) {
+    if (!m_Irregular.Has(last) && length <= m_WordBitSize && IsBinary(text)) {
         PackText(BitPosition(last) + static_cast<std::uint64_t>(m_LastLength), text);
         m_LastLength = static_cast<int>(length);
     } else {
@@ -403,8 +399,8 @@ void CSectionData::AddLine(std::string_view text) {
 
 void CSectionData::FinishLastLine() {
     const int last = m_LineCount - 1;
-    if (last >= 0 && m_LastLength < m_WordBitSize && FindIrregular(last) == nullptr) {
-        m_Irregular.emplace(last, LineText(last));
+    if (last >= 0 && m_LastLength < m_WordBitSize && !m_Irregular.Has(last)) {
+        m_Irregular.Set(last, LineText(last));
         m_Bits.Clear(BitPosition(last), static_cast<std::uint64_t>(m_WordBitSize));
     }
 }
@@ -414,10 +410,10 @@ void CSectionData::StoreLine(int line, std::string_view text) {
     m_Bits.Clear(BitPosition(line), word);
     const bool fits = text.size() == word || (IsLastLine(line) && text.size() < word);
     if (!fits || !IsBinary(text)) {
-        m_Irregular.insert_or_assign(line, std::string(text));
+        m_Irregular.Set(line, text);
         return;
     }
-    m_Irregular.erase(line);
+    m_Irregular.Erase(line);
     PackText(BitPosition(line), text);
     if (IsLastLine(line)) {
         m_LastLength = static_cast<int>(text.size());
@@ -484,8 +480,8 @@ std::int64_t CSectionData::PackedEnd(int address) const {
         return address;
     }
     std::int64_t end = static_cast<std::int64_t>(m_LineCount) * m_BytesPerWord;
-    if (const auto irregular = m_Irregular.lower_bound(address / m_BytesPerWord); irregular != m_Irregular.end()) {
-        end = static_cast<std::int64_t>(irregular->first) * m_BytesPerWord;
+    if (const int irregular = m_Irregular.Next(address / m_BytesPerWord); irregular >= 0) {
+        end = static_cast<std::int64_t>(irregular) * m_BytesPerWord;
     } else if (m_LineCount > 0 && m_LastLength < m_WordBitSize) {
         end = static_cast<std::int64_t>(m_LineCount - 1) * m_BytesPerWord +
               std::min(m_LastLength / m_ByteBitSize, m_BytesPerWord);

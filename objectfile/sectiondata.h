@@ -3,9 +3,9 @@
 
 #include "objectfile/bitstore.h"
 #include "objectfile/persistentobject.h"
+#include "objectfile/textlines.h"
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <string_view>
 
@@ -92,8 +92,6 @@ private:
     std::uint64_t BitPosition(int line) const {
         return static_cast<std::uint64_t>(line) * static_cast<std::uint64_t>(m_WordBitSize);
     }
-    /// The text of a line that is not packed, or none.
-    const std::string* FindIrregular(int line) const;
     std::int64_t LineLength(int line) const;
     std::string LineText(int line) const;
     bool IsLastLine(int line) const { return line == m_LineCount - 1; }
@@ -121,8 +119,8 @@ private:
     std::int64_t PackedEnd(int address) const;
 
     // Invariant: packed bits behind the last line's end, and those of lines in m_Irregular, are 0.
-    CBitStore m_Bits;                       // line i begins at bit i * m_WordBitSize
-    std::map<int, std::string> m_Irregular; // the lines that are not packed, by index
+    CBitStore m_Bits;       // line i begins at bit i * m_WordBitSize
+    CTextLines m_Irregular; // the lines that are not packed
     int m_LineCount = 0;
     int m_LastLength = 0; // characters of the last line while that is packed, at most m_WordBitSize
     int m_LineAddress;

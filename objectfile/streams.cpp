@@ -184,10 +184,10 @@ void COutputStream::WriteLine(const std::string& text) {
     EndLine();
 }
 
-void COutputStream::WriteLine(const std::string& value, const char* description) {
+void COutputStream::WriteLine(const std::string& value, std::string_view description) {
     Write(value.data(), value.size());
     Write(COMMENT_SEPARATOR.data(), COMMENT_SEPARATOR.size());
-    Write(description, std::strlen(description));
+    Write(description.data(), description.size());
     EndLine();
 }
 

@@ -97,7 +97,7 @@ public:
     /// Writes `text` and the delimiter as one line.
     void WriteLine(const std::string& text);
     /// Writes `value`, the comment separator, `description` and the delimiter as one line.
-    void WriteLine(const std::string& value, const char* description);
+    void WriteLine(const std::string& value, std::string_view description);
     /// Writes bytes as they are, without a delimiter and without counting.
     void Write(const char* bytes, std::size_t count);
     /// Ends a line whose bytes came by Write.

@@ -54,7 +54,8 @@ void CSymbol::UpdateName(const std::string& name) {
 
 void CSymbol::SetSection(CSection* section) {
     m_Section = section;
-    m_SectionIndex = 0;
+    const CObjectFile* const owner = section != nullptr ? section->GetOwner() : nullptr;
+    m_SectionIndex = owner != nullptr ? owner->FindSection(section) : 0;
 }
 
 int CSymbol::GetSectionID() const {

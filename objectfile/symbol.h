@@ -73,7 +73,7 @@ public:
     /// The section the symbol is bound to (borrowed), or none.
     CSection* GetSection() const { return m_Section; }
     void SetSection(CSection* section);
-    /// The index as read from a file.
+    /// The section's index when the symbol was bound, or as read from a file; 0 without a section.
     int GetSectionIndex() const { return m_SectionIndex; }
     /// True for the types whose symbols lie in a section: all but extern, absolute and common.
     bool HasSection() const { return m_Type != TYPE_EXTERN && m_Type != TYPE_ABSOLUTE && m_Type != TYPE_COMMON; }

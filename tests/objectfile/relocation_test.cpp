@@ -98,9 +98,18 @@ TEST(Relocation, FieldsAtTheEdges) {
         EXPECT_THROW(fixture.Apply(0), std::out_of_range) << low << " " << high;
         testing::internal::GetCapturedStderr();
     }
-    for (const unsigned long long address : {17ULL, ~0ULL, 1ULL << 32}) {
-        fixture.m_Relocation.m_Address = address;
-        EXPECT_THROW(fixture.m_Section->SetRelocData(&fixture.m_Relocation, 0), std::out_of_range);
+    for (const int size : {0, 8}) {
+        for (const unsigned long long address : {17ULL, ~0ULL, 1ULL << 32}) {
+            fixture.m_Relocation.m_SizeInBytes = size;
+            fixture.m_Relocation.m_Address = address;
+            try {
+                fixture.m_Section->SetRelocData(&fixture.m_Relocation, 0);
+                ADD_FAILURE() << address;
+            } catch (const std::out_of_range& error) {
+                EXPECT_STREQ(error.what(), size == 0 ? "Relocation bit indices are out of range"
+                                                     : "Address out of range while reading byte");
+            }
+        }
     }
     fixture.m_Relocation.m_Symbol = nullptr;
     fixture.m_Relocation.m_LowBit = 1;
