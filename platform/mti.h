@@ -40,12 +40,7 @@ typedef enum mtiTypeKindEnum_ {
     MTI_TYPE_TIME = 9
 } mtiTypeKindT;
 
-typedef enum mtiDirectionEnum_ {
-    MTI_INTERNAL = 0,
-    MTI_DIR_IN = 1,
-    MTI_DIR_OUT = 2,
-    MTI_DIR_INOUT = 3
-} mtiDirectionT;
+typedef enum mtiDirectionEnum_ { MTI_INTERNAL = 0, MTI_DIR_IN = 1, MTI_DIR_OUT = 2, MTI_DIR_INOUT = 3 } mtiDirectionT;
 
 typedef enum mtiProcessTriggerEnum_ { MTI_ACTIVE = 0, MTI_EVENT = 1 } mtiProcessTriggerT;
 
