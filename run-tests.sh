@@ -2,7 +2,8 @@
 # Builds everything and runs all tests.
 #
 # usage: run-tests.sh         the ordinary build
-#        run-tests.sh --all   also under AddressSanitizer and UndefinedBehaviorSanitizer, with clang, and the style checks
+#        run-tests.sh --all   also under AddressSanitizer and UndefinedBehaviorSanitizer, with clang, for 32 bits, and the
+#                             style checks
 set -euo pipefail
 cd "$(dirname "$0")"
 source cmake/install-packages.sh
@@ -16,10 +17,13 @@ need_packages "the tests" /usr/include/gtest/gtest.h libgtest-dev
 need_packages "the tests in simulators" ghdl ghdl
 need_packages "the tests in simulators" iverilog iverilog
 need_packages "the tests in simulators" verilator verilator
+need_packages "the tests in simulators" make make
+need_packages "the tests in simulators" awk mawk
 need_packages "the image tool" /usr/include/CLI/CLI.hpp libcli11-dev
 need_packages "the image tool" /usr/include/nlohmann/json.hpp nlohmann-json3-dev
 if [[ ${1-} == --all ]]; then
     need_packages "the benchmarks" /usr/include/benchmark/benchmark.h libbenchmark-dev
+    need_packages "the 32-bit build" "/usr/lib/gcc/x86_64-linux-gnu/*/32/libgcc.a" g++-multilib
     need_packages "the second compiler and the fuzz targets" clang++ clang
     need_packages "the fuzz targets" "/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a" libclang-rt-dev
     need_packages "the style checks" clang-format clang-format
@@ -46,6 +50,6 @@ check dev
 if [[ ${1-} == --all ]]; then
     check asan
     check clang
-    check release
+    check m32
     cmake/check-style.sh build/clang
 fi
