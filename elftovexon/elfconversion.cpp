@@ -66,10 +66,12 @@ int BytesPerWord(int wordBitSize, int byteBitSize) {
     return wordBitSize / byteBitSize;
 }
 
+constexpr std::size_t LONG_NAME = 1024;
+
 /// Bits of a memory byte.
 int BitsPerByte(const CMemoryOrganization& organization) {
-    if (organization.GetBytesPerWord() < 1) {
-        throw CGeneralError("Unsupported byte bit-size\n");
+    if (organization.GetBytesPerWord() < 1) { // words of 0 bits, in which nothing can lie
+        throw CGeneralError("Unsupported word length\n");
     }
     return organization.GetWordBitSize() / organization.GetBytesPerWord();
 }
@@ -159,10 +161,11 @@ void ElfToVexon::ConvertSections() {
     for (std::size_t index = 0; index < m_SectionHeaders.size(); ++index) {
         const Elf64_Shdr& header = m_SectionHeaders[index];
         const std::string& name = m_SectionNames[index];
-        const CMemoryOrganization organization = OrganizationOf(header);
         if (!IsConverted(name, header)) {
             continue;
         }
+        const CMemoryOrganization organization = OrganizationOf(header);
+        m_File.Count(organization.GetAddressSpaceName().size());
         CSection& section = *m_Target->CreateSection(SectionType(header), name, organization);
         const auto elfIndex = static_cast<int>(index);
         section.SetMemoryByteAddress(static_cast<unsigned long long>(GetLoadAddress(elfIndex)));
@@ -179,11 +182,8 @@ CMemoryOrganization ElfToVexon::OrganizationOf(const Elf64_Shdr& section) const 
         return {32, 4, m_ByteOrder, ""};
     }
     const AddressSpace& space = m_AddressSpaces[static_cast<std::size_t>(index)];
-    const int bytesPerWord = BytesPerWord(space.m_WordBitSize, space.m_ByteBitSize);
-    if (bytesPerWord == 0) {
-        throw CGeneralError("Unsupported word length\n");
-    }
-    return {space.m_WordBitSize, bytesPerWord, space.m_BigEndian != 0 ? BO_BIG : BO_LITTLE, space.m_Name};
+    return {space.m_WordBitSize, BytesPerWord(space.m_WordBitSize, space.m_ByteBitSize),
+            space.m_BigEndian != 0 ? BO_BIG : BO_LITTLE, space.m_Name};
 }
 
 void ElfToVexon::ConvertContents(int index, CSection& section) const {
@@ -218,6 +218,7 @@ void ElfToVexon::ConvertSymbols() {
     if (m_Symbols.size() < 2) {
         return;
     }
+    m_ConvertedSections.clear();
     ObjectFile::CSymbolTable& table = *m_Target->CreateSymbolTable();
     std::for_each(std::next(m_Symbols.begin()), m_Symbols.end(),
                   [&](const Elf64_Sym& entry) { table.AddSymbol(ConvertSymbol(entry)); });
@@ -225,7 +226,9 @@ void ElfToVexon::ConvertSymbols() {
 
 std::unique_ptr<CSymbol> ElfToVexon::ConvertSymbol(const Elf64_Sym& entry) {
     const std::string name = SymbolName(entry);
-    m_File.Count(name.size());
+    if (name.size() > LONG_NAME) { // symbols may well share a name, but not for the length of it
+        m_File.Count(name.size());
+    }
     auto symbol = std::make_unique<CSymbol>(name, SymbolType(entry));
     symbol->SetBlockSize(static_cast<int>(static_cast<std::uint32_t>(entry.st_size)));
     symbol->SetUsageType(SymbolUsage(entry));
@@ -240,6 +243,16 @@ std::string ElfToVexon::SymbolName(const Elf64_Sym& entry) const {
     const std::string& name = GetSectionName(entry.st_shndx);
     // The linker keeps sections of one name in several address spaces apart by what follows the last '@'.
     return IsExec() && IsHarvard() ? name.substr(0, name.rfind('@')) : name;
+}
+
+/// The section of the object with the name of that ELF section, or none; looked up once, for names may be long.
+CSection* ElfToVexon::ConvertedSection(unsigned index) {
+    const std::string& name = GetSectionName(index);
+    const auto [known, isNew] = m_ConvertedSections.emplace(index, nullptr);
+    if (isNew) {
+        known->second = m_Target->FindSection(name);
+    }
+    return known->second;
 }
 
 /// The type and the value that follow from where the symbol lies.
@@ -258,8 +271,8 @@ void ElfToVexon::PlaceSymbol(const Elf64_Sym& entry, CSymbol& symbol) {
     default:
         break;
     }
-    CSection* const section = m_Target->FindSection(GetSectionName(entry.st_shndx));
-    if (section == nullptr) {
+    CSection* const section = ConvertedSection(entry.st_shndx);
+    if (section == nullptr && IsExec()) { // its address would be wanted
         throw CGeneralError("Symbol '" + symbol.GetName() + "': missing section\n");
     }
     // Both are 32-bit addresses; that of the section is held sign-extended.

@@ -1,7 +1,6 @@
 #include "elftovexon/elffile.h"
 
 #include "general_error"
-#include "objectfile/streams.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -10,32 +9,33 @@
 
 using marlune::exceptions::CGeneralError;
 
-namespace {
-
-std::vector<char> ReadWholeFile(const std::string& path) {
-    const ObjectFile::CFileHandle file(std::fopen(path.c_str(), "rb"));
+CElfFile::CElfFile(const std::string& path) : m_File(std::fopen(path.c_str(), "rb")) {
     struct stat status {};
-    if (!file || fstat(fileno(file.get()), &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (!m_File || fstat(fileno(m_File.get()), &status) != 0 || !S_ISREG(status.st_mode)) {
         throw CGeneralError("File '" + path + "' could not be opened.\n");
     }
-    constexpr std::size_t AT_ONCE = std::size_t{1} << 16; // stays in the cache between its two writes
-    const auto size = static_cast<std::size_t>(status.st_size);
-    std::vector<char> bytes;
-    bytes.reserve(size);
-    while (bytes.size() < size) {
-        const std::size_t begin = bytes.size();
-        const std::size_t count = std::min(AT_ONCE, size - begin);
-        bytes.resize(begin + count);
-        if (std::fread(&bytes[begin], 1, count, file.get()) != count) {
-            CElfFile::ThrowUnexpectedEnd();
-        }
-    }
-    return bytes;
+    m_Size = static_cast<std::size_t>(status.st_size);
+    ReadTo(std::min(m_Size, HEADER_SIZE));
 }
 
-} // namespace
+void CElfFile::ReadAll() {
+    m_Bytes.reserve(m_Size);
+    ReadTo(m_Size);
+    m_File.reset();
+    m_Left = m_Size * MAX_OVERLAP;
+}
 
-CElfFile::CElfFile(const std::string& path) : m_Bytes(ReadWholeFile(path)), m_Left(m_Bytes.size() * MAX_OVERLAP) {}
+void CElfFile::ReadTo(std::size_t size) {
+    constexpr std::size_t AT_ONCE = std::size_t{1} << 16; // stays in the cache between its two writes
+    while (m_Bytes.size() < size) {
+        const std::size_t begin = m_Bytes.size();
+        const std::size_t count = std::min(AT_ONCE, size - begin);
+        m_Bytes.resize(begin + count);
+        if (std::fread(&m_Bytes[begin], 1, count, m_File.get()) != count) {
+            ThrowUnexpectedEnd();
+        }
+    }
+}
 
 std::string_view CElfFile::Take(std::uint64_t offset, std::uint64_t size) {
     if (size == 0) {

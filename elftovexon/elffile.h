@@ -1,6 +1,8 @@
 #ifndef MARLUNE_ELFTOVEXON_ELFFILE_H
 #define MARLUNE_ELFTOVEXON_ELFFILE_H
 
+#include "objectfile/streams.h"
+
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -16,10 +18,14 @@ class CElfFile {
 public:
     static constexpr std::uint64_t MAX_OVERLAP = 8;
 
-    /// Reads the whole file; it must be a regular one.
-    explicit CElfFile(const std::string& path);
+    static constexpr std::size_t HEADER_SIZE = 64;
 
-    /// All bytes, uncounted.
+    /// Reads the header of the file, which must be a regular one: whether the rest is worth reading shows there.
+    explicit CElfFile(const std::string& path);
+    /// Reads the rest.
+    void ReadAll();
+
+    /// All bytes read, uncounted.
     std::string_view All() const { return {m_Bytes.data(), m_Bytes.size()}; }
     /// `size` bytes from `offset` on; they stay valid as long as this object.
     std::string_view Take(std::uint64_t offset, std::uint64_t size);
@@ -37,8 +43,12 @@ public:
     [[noreturn]] static void ThrowUnexpectedEnd();
 
 private:
+    void ReadTo(std::size_t size);
+
+    ObjectFile::CFileHandle m_File;
+    std::size_t m_Size = 0; // of the file
     std::vector<char> m_Bytes;
-    std::uint64_t m_Left; // bytes that may still be taken
+    std::uint64_t m_Left = HEADER_SIZE; // bytes that may still be taken
 };
 
 template <typename T>

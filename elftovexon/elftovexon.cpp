@@ -81,6 +81,7 @@ CObjectFile* ElfToVexon::ReleaseConvertedVexon() {
 
 void ElfToVexon::LoadFile() {
     ReadHeader();
+    m_File.ReadAll();
     ReadTables();
     for (std::size_t index = 0; index < m_SectionHeaders.size(); ++index) {
         ReadSection(static_cast<int>(index));

@@ -116,6 +116,7 @@ private:
     std::unique_ptr<ObjectFile::CSymbol> ConvertSymbol(const Elf64_Sym& entry);
     std::string SymbolName(const Elf64_Sym& entry) const;
     void PlaceSymbol(const Elf64_Sym& entry, ObjectFile::CSymbol& symbol);
+    ObjectFile::CSection* ConvertedSection(unsigned index);
     ObjectFile::CRelocation ConvertRelocation(const Elf64_Rela& entry, int bitsPerByte);
     ObjectFile::CSymbol* RelocationSymbol(const Elf64_Rela& entry);
 
@@ -132,6 +133,8 @@ private:
     std::vector<Elf64_Sym> m_Symbols;
     std::vector<RelocationContents> m_Relocations;
     std::vector<std::string> m_SectionNames;
+    std::unordered_map<unsigned, ObjectFile::CSection*>
+        m_ConvertedSections;                                    // by ELF index, while symbols are converted
     std::unordered_map<std::string_view, int> m_SectionIndices; // by name; the first of each
 };
 

@@ -2,6 +2,7 @@
 #include <fstream>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "objectfile/objectfile.h"
 #include "tests/flimemory/library.h"
@@ -64,7 +65,7 @@ protected:
     static constexpr const char* MEMORY = "tb_core_0__mem";
 
     CSimulator m_Simulator;
-    const std::string m_File = testing::TempDir() + "dpi_test.obj";
+    const std::string m_File = testing::TempDir() + "dpi_test" + std::to_string(getpid()) + ".obj";
 };
 
 TEST_F(CDpi, WritesAndReadsWords) {
