@@ -167,6 +167,11 @@ TEST(ElfToVexon, RejectsWhatIsWrong) {
     CElfBuilder elf = Everything();
     elf.Add("rela", SHT_RELA);
     EXPECT_THROW(ErrorOf(elf.Bytes()), std::out_of_range);
+    CElfBuilder longName({{std::string(100000, 'a'), 32, 8}}); // of which every section would hold a copy
+    for (int i = 0; i < 20; ++i) {
+        longName.Add(".bss" + std::to_string(i), SHT_NOBITS, SHF_WRITE | SHF_ALLOC);
+    }
+    EXPECT_EQ(ErrorOf(longName.Bytes()), "Too many overlapping parts\n");
 }
 
 TEST(ElfToVexon, ChecksAddressSpaces) {
