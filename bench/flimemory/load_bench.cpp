@@ -59,9 +59,9 @@ void LoadByHand(std::uint64_t* cells) {
         const char* const end = buffer.data() + kept + got;
         while (const char* next =
                    static_cast<const char*>(std::memchr(line, '\n', static_cast<std::size_t>(end - line)))) {
-            for (int unit = 0; next - line == 32 && unit < 4 && cell < UNITS; ++unit) {
+            for (const char* unit = line; next - line == 32 && unit < next && cell < UNITS; unit += 8) {
                 std::uint64_t digits = 0;
-                std::memcpy(&digits, line + unit * 8, 8);
+                std::memcpy(&digits, unit, 8);
                 cells[cell++] = ((digits & 0x0101010101010101) * 0x8040201008040201) >> 56U;
             }
             line = next + 1;
@@ -190,7 +190,7 @@ void BM_LookUpAndCalls(benchmark::State& state) {
     std::string key;
     for ([[maybe_unused]] auto _ : state) {
         for (int way = 0; way < 2; ++way) {
-            key = names[0].c_str();
+            key = names[0];
             benchmark::DoNotOptimize(index.find(key)->second);
         }
         for (int bit = 0; bit < state.range(0); ++bit) {
