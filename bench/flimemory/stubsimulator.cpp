@@ -6,7 +6,6 @@
 #include <cstring>
 
 #include "src/flimemory/flimemory.h"
-#include "svdpi.h"
 
 int g_StubNow = 0;
 
@@ -120,15 +119,4 @@ void mti_Command(const char* command) {
 }
 void mti_FatalError() {
     std::abort();
-}
-
-svLogic svGetBitselLogic(const svLogicVecVal* vector, int bit) {
-    const svLogicVecVal& record = vector[bit / 32];
-    return static_cast<svLogic>(((record.aval >> (bit % 32)) & 1U) | (((record.bval >> (bit % 32)) & 1U) << 1U));
-}
-void svPutBitselLogic(svLogicVecVal* vector, int bit, svLogic value) {
-    svLogicVecVal& record = vector[bit / 32];
-    const uint32_t mask = 1U << (bit % 32);
-    record.aval = (record.aval & ~mask) | ((value & 1U) != 0 ? mask : 0);
-    record.bval = (record.bval & ~mask) | ((value & 2U) != 0 ? mask : 0);
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cctype>
 #include <exception>
+#include <initializer_list>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <stdexcept>

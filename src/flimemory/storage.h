@@ -2,7 +2,6 @@
 #define MARLUNE_FLIMEMORY_STORAGE_H
 
 #include <cstdint>
-#include <memory>
 #include <string>
 
 #include "marlune_int"

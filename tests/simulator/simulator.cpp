@@ -8,8 +8,6 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "svdpi.h"
-
 namespace {
 
 CSimulator* g_Current = nullptr;
@@ -281,16 +279,4 @@ void mti_Command(const char* command) {
 
 void mti_FatalError() {
     Log("fatal");
-}
-
-svLogic svGetBitselLogic(const svLogicVecVal* vector, int bit) {
-    const svLogicVecVal& record = vector[bit / 32];
-    return static_cast<svLogic>(((record.aval >> (bit % 32)) & 1U) | ((record.bval >> (bit % 32)) & 1U) << 1U);
-}
-
-void svPutBitselLogic(svLogicVecVal* vector, int bit, svLogic value) {
-    const std::uint32_t mask = 1U << (bit % 32);
-    svLogicVecVal& record = vector[bit / 32];
-    record.aval = (value & 1U) != 0 ? record.aval | mask : record.aval & ~mask;
-    record.bval = (value & 2U) != 0 ? record.bval | mask : record.bval & ~mask;
 }
