@@ -19,6 +19,7 @@ using vpiHandle = t_vpi_object*;
 enum : PLI_INT32 { // kinds of objects
     vpiModule = 32,
     vpiNet = 36,
+    vpiParameter = 41,
     vpiPort = 44,
     vpiRealVar = 47,
     vpiReg = 48,
@@ -92,18 +93,19 @@ struct t_vpi_vlog_info {
     PLI_BYTE8* version;
 };
 
-vpiHandle vpi_register_cb(t_cb_data* data);
-vpiHandle vpi_handle_by_name(PLI_BYTE8* name, vpiHandle scope);
-vpiHandle vpi_iterate(PLI_INT32 type, vpiHandle reference);
-vpiHandle vpi_scan(vpiHandle iterator);
-PLI_INT32 vpi_free_object(vpiHandle object);
-PLI_INT32 vpi_get(PLI_INT32 property, vpiHandle object);
-PLI_BYTE8* vpi_get_str(PLI_INT32 property, vpiHandle object);
-void vpi_get_value(vpiHandle object, t_vpi_value* value);
-vpiHandle vpi_put_value(vpiHandle object, t_vpi_value* value, t_vpi_time* time, PLI_INT32 flags);
-void vpi_get_time(vpiHandle object, t_vpi_time* time);
-PLI_INT32 vpi_get_vlog_info(t_vpi_vlog_info* info);
-PLI_INT32 vpi_printf(PLI_BYTE8* format, ...);
+// Weak: a program that calls this library directly offers none of these.
+[[gnu::weak]] vpiHandle vpi_register_cb(t_cb_data* data);
+[[gnu::weak]] vpiHandle vpi_handle_by_name(PLI_BYTE8* name, vpiHandle scope);
+[[gnu::weak]] vpiHandle vpi_iterate(PLI_INT32 type, vpiHandle reference);
+[[gnu::weak]] vpiHandle vpi_scan(vpiHandle iterator);
+[[gnu::weak]] PLI_INT32 vpi_free_object(vpiHandle object);
+[[gnu::weak]] PLI_INT32 vpi_get(PLI_INT32 property, vpiHandle object);
+[[gnu::weak]] PLI_BYTE8* vpi_get_str(PLI_INT32 property, vpiHandle object);
+[[gnu::weak]] void vpi_get_value(vpiHandle object, t_vpi_value* value);
+[[gnu::weak]] vpiHandle vpi_put_value(vpiHandle object, t_vpi_value* value, t_vpi_time* time, PLI_INT32 flags);
+[[gnu::weak]] void vpi_get_time(vpiHandle object, t_vpi_time* time);
+[[gnu::weak]] PLI_INT32 vpi_get_vlog_info(t_vpi_vlog_info* info);
+[[gnu::weak]] PLI_INT32 vpi_printf(PLI_BYTE8* format, ...);
 }
 
 #endif

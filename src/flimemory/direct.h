@@ -1,6 +1,6 @@
-/* Entry points of the library for simulators that hand over port values as vectors of bits. A simulator side of this
- * kind elaborates an instance as ever, by marlune_fli_memory_init, and then calls marlune_direct_wake in place of the
- * instance's process. */
+/* Entry points of the library for simulators that hand over port values as vectors of bits. The simulator's side
+ * elaborates an instance as ever, by marlune_fli_memory_init, binds it by marlune_direct_bind, and then calls
+ * marlune_direct_wake in place of the instance's process. */
 #ifndef MARLUNE_FLIMEMORY_DIRECT_H
 #define MARLUNE_FLIMEMORY_DIRECT_H
 
@@ -13,10 +13,19 @@ extern "C" {
 /// Where a port's value is. The signal handles in the list of ports that such an instance is elaborated with are
 /// addresses of these.
 struct marlune_direct_signal {
-    uint32_t offset;    ///< of its least significant bit, in the vector of the inputs or of the outputs
+    uint32_t word;      ///< that holds its least significant bit, in the vector of the inputs or of the outputs
+    uint32_t shift;     ///< of that bit in the word, 0 to 63
     uint32_t width;     ///< in bits, at least 1
     uint32_t is_scalar; ///< 1 for a single bit that is no array: such an output is 1 for the value 1 only
+    uint64_t mask;      ///< the low bits of a word, as many as the width says, or all of them
+    uint32_t is_split;  ///< 1 when the lowest 64 bits of the value, or all of them, lie in two words of the vector
     uint32_t is_driven; ///< set to 1 when the library gives an output its value
+};
+
+enum marlune_direct_clock {
+    MARLUNE_DIRECT_LOW = 0,
+    MARLUNE_DIRECT_HIGH = 1,
+    MARLUNE_DIRECT_ROSE = 2 ///< high, and low at some time since the last call; another call for this time follows
 };
 
 enum marlune_direct_result {
@@ -25,12 +34,16 @@ enum marlune_direct_result {
     MARLUNE_DIRECT_CHANGED = 2  ///< the ports were served, and an output got another value
 };
 
+/// Prepares an instance for direct calls, once it has been elaborated. process is the argument that the instance
+/// created its process with.
+[[gnu::visibility("default")]] void marlune_direct_bind(void* process);
+
 /// What the process of an instance does when it wakes, with the given values in place of the simulator's. process is
-/// the argument that the instance created its process with. now is the time, or any other number that differs from one
-/// time to the next and is 0 at time 0. The least significant bit of a vector is bit 0 of its first word; each
-/// vector has a word more than its bits need. Returns a marlune_direct_result.
-[[gnu::visibility("default")]] int marlune_direct_wake(void* process, uint32_t now, int clock_is_one,
-                                                       const uint32_t* inputs, uint32_t* outputs);
+/// that of marlune_direct_bind. now is the time, or any other number that differs from one
+/// time to the next and is 0 at time 0. clock is a marlune_direct_clock. A vector consists of words of 64 bits, the
+/// least significant first. Returns a marlune_direct_result.
+[[gnu::visibility("default")]] int marlune_direct_wake(void* process, uint32_t now, int clock, const uint64_t* inputs,
+                                                       uint64_t* outputs);
 
 #ifdef __cplusplus
 }

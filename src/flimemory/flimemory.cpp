@@ -68,16 +68,17 @@ mtiDriverIdT CreateOwnedDriver(mtiProcessIdT process, mtiSignalIdT signal) {
 void CreateProcess(CProcessInfo& info) {
     const mtiProcessIdT process = mti_CreateProcess(nullptr, marlune_fli_memory_process, &info);
     Sensitize(process, {info.m_Clock});
-    for (auto& [prefix, port] : info.m_Ports.m_ReadPorts) {
-        port.m_Driver = CreateOwnedDriver(process, port.m_Data);
-        Sensitize(process, {port.m_Address});
+    for (CReadPort& port : info.m_Ports.m_ReadPorts) {
+        port.m_Driver = CreateOwnedDriver(process, port.m_Data.m_Handle);
+        Sensitize(process, {port.m_Address.m_Handle});
     }
-    for (const auto& [prefix, port] : info.m_Ports.m_WritePorts) {
-        Sensitize(process, {port.m_Enable, port.m_Address, port.m_Data});
+    for (const CWritePort& port : info.m_Ports.m_WritePorts) {
+        Sensitize(process, {port.m_Enable.m_Handle, port.m_Address.m_Handle, port.m_Data.m_Handle});
     }
-    for (auto& [prefix, port] : info.m_Ports.m_SharedPorts) {
-        port.m_Driver = CreateOwnedDriver(process, port.m_ReadData);
-        Sensitize(process, {port.m_WriteData, port.m_Address, port.m_WriteEnable, port.m_ChipSelect});
+    for (CSharedPort& port : info.m_Ports.m_SharedPorts) {
+        port.m_Driver = CreateOwnedDriver(process, port.m_ReadData.m_Handle);
+        Sensitize(process, {port.m_WriteData.m_Handle, port.m_Address.m_Handle, port.m_WriteEnable.m_Handle,
+                            port.m_ChipSelect.m_Handle});
     }
 }
 
@@ -165,13 +166,20 @@ void marlune_fli_memory_process(void* param) {
     });
 }
 
-int marlune_direct_wake(void* process, uint32_t now, int clock_is_one, const uint32_t* inputs, uint32_t* outputs) {
+void marlune_direct_bind(void* process) {
+    BindPorts(static_cast<CProcessInfo*>(process)->m_Ports);
+}
+
+int marlune_direct_wake(void* process, uint32_t now, int clock, const uint64_t* inputs, uint64_t* outputs) {
     int result = MARLUNE_DIRECT_NO_EDGE;
     RunGuarded([&] {
         CProcessInfo& info = *static_cast<CProcessInfo*>(process);
-        if (info.EvaluateEdge(now, clock_is_one != 0)) {
+        if (clock == MARLUNE_DIRECT_ROSE) {
+            info.m_LastEdge = false; // as an evaluation at that time would have found
+        }
+        if (info.EvaluateEdge(now, clock != MARLUNE_DIRECT_LOW)) {
             CVectorValues values(inputs, outputs);
-            info.ServePorts(values);
+            info.ServePorts(values, clock == MARLUNE_DIRECT_ROSE);
             result = values.HasChanged() ? MARLUNE_DIRECT_CHANGED : MARLUNE_DIRECT_SERVED;
         }
     });

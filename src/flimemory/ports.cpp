@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cctype>
 #include <iterator>
+#include <map>
 #include <set>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
 #include "general_error"
@@ -45,7 +47,7 @@ void HandlePort(mtiSignalIdTag** target, const std::string& role, const mtiInter
 /// Where the signal of a role goes in the record of a kind of port.
 template <typename TPort>
 struct CRole {
-    mtiSignalIdTag* TPort::*m_Field;
+    CPortSignal TPort::*m_Field;
     const std::string& m_Name;
 };
 
@@ -65,19 +67,27 @@ const CRole<CSharedPort> SHARED_ROLES[] = {
     {&CSharedPort::m_ChipSelect, RTLChipSelectName},
 };
 
+/// The ports of one kind by their prefixes, complete or not.
+template <typename TPort>
+using CPortGroups = std::map<std::string, TPort>;
+
 template <typename TPort, std::size_t COUNT>
-void HandleRoles(std::map<std::string, TPort>& ports, const std::string& prefix, const CRole<TPort> (&roles)[COUNT],
+void HandleRoles(CPortGroups<TPort>& ports, const std::string& prefix, const CRole<TPort> (&roles)[COUNT],
                  const mtiInterfaceListT* port) {
     TPort& record = ports[prefix];
     for (const CRole<TPort>& role : roles) {
-        HandlePort(&(record.*role.m_Field), role.m_Name, port);
+        HandlePort(&(record.*role.m_Field).m_Handle, role.m_Name, port);
     }
 }
 
-template <typename TPort>
-void DropIncomplete(std::map<std::string, TPort>& ports, std::set<std::string>& prefixes) {
+using CPrefixes = std::set<std::string>;
+
+/// Drops incomplete groups, and adds the prefixes of the others to the set.
+template <typename TPort, std::size_t COUNT>
+void DropIncomplete(CPortGroups<TPort>& ports, const CRole<TPort> (&roles)[COUNT], CPrefixes& prefixes) {
     for (auto port = ports.begin(); port != ports.end();) {
-        if (port->second.IsComplete()) {
+        const auto isFound = [&](const CRole<TPort>& role) { return (port->second.*role.m_Field).m_Handle != nullptr; };
+        if (std::all_of(std::begin(roles), std::end(roles), isFound)) {
             prefixes.insert(port->first);
             ++port;
         } else {
@@ -86,10 +96,30 @@ void DropIncomplete(std::map<std::string, TPort>& ports, std::set<std::string>& 
     }
 }
 
+/// Numbers the ports' prefixes by their places in the set.
 template <typename TPort>
-void NumberPrefixes(std::map<std::string, TPort>& ports, const std::set<std::string>& prefixes) {
+void NumberPrefixes(CPortGroups<TPort>& ports, std::size_t TPort::*number, const CPrefixes& prefixes) {
     for (auto& [prefix, port] : ports) {
-        port.m_Prefix = static_cast<std::size_t>(std::distance(prefixes.begin(), prefixes.find(prefix)));
+        port.*number = static_cast<std::size_t>(std::distance(prefixes.begin(), prefixes.find(prefix)));
+    }
+}
+
+template <typename TPort>
+std::vector<TPort> PortsOf(const CPortGroups<TPort>& groups) {
+    std::vector<TPort> ports;
+    for (const auto& [prefix, port] : groups) {
+        ports.push_back(port);
+    }
+    return ports;
+}
+
+template <typename TPort, std::size_t COUNT>
+void BindSignals(std::vector<TPort>& ports, const CRole<TPort> (&roles)[COUNT]) {
+    for (TPort& port : ports) {
+        for (const CRole<TPort>& role : roles) {
+            CPortSignal& signal = port.*role.m_Field;
+            signal.m_Place = *reinterpret_cast<const marlune_direct_signal*>(signal.m_Handle);
+        }
     }
 }
 
@@ -106,7 +136,9 @@ mtiSignalIdT FindClock(mtiInterfaceListT* ports) {
 
 /// Every port is tried for every role of its prefix: only the name's end is compared, so an "RA0" is an "A0" as well.
 CPorts GroupPorts(const mtiInterfaceListT* ports) {
-    CPorts groups;
+    CPortGroups<CReadPort> readPorts;
+    CPortGroups<CWritePort> writePorts;
+    CPortGroups<CSharedPort> sharedPorts;
     for (const mtiInterfaceListT* port = ports; port != nullptr; port = port->nxt) {
         if (port->u.port == nullptr) {
             continue;
@@ -114,19 +146,27 @@ CPorts GroupPorts(const mtiInterfaceListT* ports) {
         const std::string name = port->name;
         const std::size_t separator = name.rfind('_');
         const std::string prefix = separator == std::string::npos ? "" : name.substr(0, separator);
-        HandleRoles(groups.m_ReadPorts, prefix, READ_ROLES, port);
-        HandleRoles(groups.m_WritePorts, prefix, WRITE_ROLES, port);
-        HandleRoles(groups.m_SharedPorts, prefix, SHARED_ROLES, port);
+        HandleRoles(readPorts, prefix, READ_ROLES, port);
+        HandleRoles(writePorts, prefix, WRITE_ROLES, port);
+        HandleRoles(sharedPorts, prefix, SHARED_ROLES, port);
     }
-    std::set<std::string> prefixes;
-    DropIncomplete(groups.m_ReadPorts, prefixes);
-    DropIncomplete(groups.m_WritePorts, prefixes);
-    DropIncomplete(groups.m_SharedPorts, prefixes);
-    NumberPrefixes(groups.m_ReadPorts, prefixes);
-    NumberPrefixes(groups.m_WritePorts, prefixes);
-    NumberPrefixes(groups.m_SharedPorts, prefixes);
-    groups.m_PrefixCount = prefixes.size();
-    return groups;
+    CPrefixes readPrefixes;
+    CPrefixes writePrefixes;
+    DropIncomplete(readPorts, READ_ROLES, readPrefixes);
+    DropIncomplete(writePorts, WRITE_ROLES, writePrefixes);
+    DropIncomplete(sharedPorts, SHARED_ROLES, readPrefixes);
+    DropIncomplete(sharedPorts, SHARED_ROLES, writePrefixes);
+    NumberPrefixes(readPorts, &CReadPort::m_ReadPrefix, readPrefixes);
+    NumberPrefixes(writePorts, &CWritePort::m_WritePrefix, writePrefixes);
+    NumberPrefixes(sharedPorts, &CSharedPort::m_ReadPrefix, readPrefixes);
+    NumberPrefixes(sharedPorts, &CSharedPort::m_WritePrefix, writePrefixes);
+    return {PortsOf(readPorts), PortsOf(writePorts), PortsOf(sharedPorts), readPrefixes.size(), writePrefixes.size()};
+}
+
+void BindPorts(CPorts& ports) {
+    BindSignals(ports.m_ReadPorts, READ_ROLES);
+    BindSignals(ports.m_WritePorts, WRITE_ROLES);
+    BindSignals(ports.m_SharedPorts, SHARED_ROLES);
 }
 
 } // namespace marlune::foreign::fli

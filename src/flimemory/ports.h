@@ -3,48 +3,46 @@
 #define MARLUNE_FLIMEMORY_PORTS_H
 
 #include <cstddef>
-#include <map>
-#include <string>
+#include <vector>
 
 #include "mti.h"
+#include "src/flimemory/direct.h"
 
 namespace marlune::foreign::fli {
 
-// In the records below all handles are the simulator's, null until found or created.
+/// A signal of a port.
+struct CPortSignal {
+    mtiSignalIdTag* m_Handle = nullptr; // the simulator's
+    marlune_direct_signal m_Place{};    // of the signal's value, where direct calls serve the instance; see BindPorts
+};
+
+// In the records below the handles of signals and drivers are the simulator's, null until found or created.
 
 struct CReadPort {
-    mtiSignalIdTag* m_Data = nullptr;    // "Q0"
-    mtiDriverIdTag* m_Driver = nullptr;  // of m_Data
-    mtiSignalIdTag* m_Address = nullptr; // "RA0"
-    mtiSignalIdTag* m_Enable = nullptr;  // "RE0"
-    std::size_t m_Prefix = 0;            // see CPorts
-
-    bool IsComplete() const { return m_Data != nullptr && m_Address != nullptr && m_Enable != nullptr; }
+    CPortSignal m_Data;                 // "Q0"
+    mtiDriverIdTag* m_Driver = nullptr; // of m_Data
+    CPortSignal m_Address;              // "RA0"
+    CPortSignal m_Enable;               // "RE0"
+    std::size_t m_ReadPrefix = 0;       // see CPorts
 };
 
 struct CWritePort {
-    mtiSignalIdTag* m_Data = nullptr;    // "D0"
-    mtiSignalIdTag* m_Address = nullptr; // "WA0"
-    mtiSignalIdTag* m_Enable = nullptr;  // "WE0"
-    std::size_t m_Prefix = 0;            // see CPorts
-
-    bool IsComplete() const { return m_Data != nullptr && m_Address != nullptr && m_Enable != nullptr; }
+    CPortSignal m_Data;            // "D0"
+    CPortSignal m_Address;         // "WA0"
+    CPortSignal m_Enable;          // "WE0"
+    std::size_t m_WritePrefix = 0; // see CPorts
 };
 
 /// A port that reads and writes at one address.
 struct CSharedPort {
-    mtiSignalIdTag* m_Address = nullptr;     // "A0"
-    mtiSignalIdTag* m_ChipSelect = nullptr;  // "CS0"
-    mtiSignalIdTag* m_WriteEnable = nullptr; // "WE0"
-    mtiSignalIdTag* m_WriteData = nullptr;   // "D0"
-    mtiSignalIdTag* m_ReadData = nullptr;    // "Q0"
-    mtiDriverIdTag* m_Driver = nullptr;      // of m_ReadData
-    std::size_t m_Prefix = 0;                // see CPorts
-
-    bool IsComplete() const {
-        return m_Address != nullptr && m_ChipSelect != nullptr && m_WriteEnable != nullptr && m_WriteData != nullptr &&
-               m_ReadData != nullptr;
-    }
+    CPortSignal m_Address;              // "A0"
+    CPortSignal m_ChipSelect;           // "CS0"
+    CPortSignal m_WriteEnable;          // "WE0"
+    CPortSignal m_WriteData;            // "D0"
+    CPortSignal m_ReadData;             // "Q0"
+    mtiDriverIdTag* m_Driver = nullptr; // of m_ReadData
+    std::size_t m_ReadPrefix = 0;       // see CPorts
+    std::size_t m_WritePrefix = 0;
 
     /// Whether the chip is selected; the write enable does not matter.
     template <typename TValues>
@@ -53,13 +51,16 @@ struct CSharedPort {
     }
 };
 
-/// All ports of an instance, by prefix: the text before the last "_" of their names.
+/// All complete ports of an instance, each kind ordered by the ports' prefixes: the text before the last "_" of their
+/// names.
 struct CPorts {
-    std::map<std::string, CReadPort> m_ReadPorts;
-    std::map<std::string, CWritePort> m_WritePorts;
-    std::map<std::string, CSharedPort> m_SharedPorts;
-    // The number of different prefixes. The m_Prefix of a record is its prefix's index among them, in sorted order.
-    std::size_t m_PrefixCount = 0;
+    std::vector<CReadPort> m_ReadPorts;
+    std::vector<CWritePort> m_WritePorts;
+    std::vector<CSharedPort> m_SharedPorts;
+    // The prefixes of ports that read and of those that write: how many different ones there are. The m_ReadPrefix or
+    // m_WritePrefix of a record is its prefix's index among them, in sorted order.
+    std::size_t m_ReadPrefixes = 0;
+    std::size_t m_WritePrefixes = 0;
 };
 
 /// Finds the port "CLK". Throws CGeneralError if there is none.
@@ -68,6 +69,9 @@ mtiSignalIdT FindClock(mtiInterfaceListT* ports);
 /// Groups the ports in the list by the prefixes and the roles of their names, upper and lower case alike. Groups that
 /// lack a port are left out. Throws std::out_of_range for a name that is shorter than a role.
 CPorts GroupPorts(const mtiInterfaceListT* ports);
+
+/// Copies the places to which the handles of the signals point, so that a pass over the ports finds them at once.
+void BindPorts(CPorts& ports);
 
 } // namespace marlune::foreign::fli
 

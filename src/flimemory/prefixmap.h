@@ -3,19 +3,20 @@
 #define MARLUNE_FLIMEMORY_PREFIXMAP_H
 
 #include <cstddef>
-#include <vector>
+#include <memory>
 
 namespace marlune::foreign::fli {
 
 /// An ordered map from port prefix to T. The set of possible prefixes is fixed when an instance is elaborated, so a
 /// prefix is named by its index in that set, whose order is the map's.
 ///
-/// Implementation note: a vector with a place for each possible entry. No operation allocates, and an entry that is
+/// Implementation note: an array with a place for each possible entry. No operation allocates, and an entry that is
 /// created again reuses its place.
 template <typename T>
 class CPrefixMap {
 public:
-    explicit CPrefixMap(std::size_t prefixes = 0) : m_Places(prefixes) {}
+    explicit CPrefixMap(std::size_t prefixes)
+        : m_Count(prefixes), m_Places(prefixes > 0 ? std::make_unique<CPlace[]>(prefixes) : nullptr) {}
 
     /// The value of the prefix; an absent entry is created as T().
     T& operator[](std::size_t prefix) {
@@ -36,22 +37,23 @@ public:
     void erase(std::size_t prefix) { m_Places[prefix].m_Present = false; }
 
     void clear() {
-        for (CPlace& place : m_Places) {
-            place.m_Present = false;
-        }
+        Drain([](const T&) {});
     }
 
-    void swap(CPrefixMap& other) noexcept { m_Places.swap(other.m_Places); }
-
-    /// Calls visit(value) for each entry, in the order of the prefixes.
+    /// Takes all entries out, in the order of the prefixes, and calls visit(value) for each.
     template <typename TVisitor>
-    void ForEach(TVisitor&& visit) const {
-        for (const CPlace& place : m_Places) {
+    void Drain(TVisitor&& visit) {
+        for (std::size_t i = 0; i < m_Count; ++i) {
+            CPlace& place = m_Places[i];
             if (place.m_Present) {
+                place.m_Present = false;
                 visit(place.m_Value);
             }
         }
     }
+
+    /// Of two maps with the same prefixes.
+    void swap(CPrefixMap& other) noexcept { m_Places.swap(other.m_Places); }
 
 private:
     struct CPlace {
@@ -59,7 +61,8 @@ private:
         bool m_Present = false;
     };
 
-    std::vector<CPlace> m_Places;
+    std::size_t m_Count;
+    std::unique_ptr<CPlace[]> m_Places;
 };
 
 } // namespace marlune::foreign::fli

@@ -1,4 +1,6 @@
-#include "bridge/vpi/foreigntext.h"
+#include "bridge/core/foreigntext.h"
+
+namespace marlune::bridge {
 
 namespace {
 
@@ -11,7 +13,7 @@ std::string_view Trim(std::string_view text) {
 
 } // namespace
 
-std::optional<SForeignText> ParseForeignText(std::string_view text) {
+std::optional<CForeignText> ParseForeignText(std::string_view text) {
     const std::size_t semicolon = text.find(';');
     if (semicolon == std::string_view::npos) {
         return std::nullopt;
@@ -21,6 +23,8 @@ std::optional<SForeignText> ParseForeignText(std::string_view text) {
     if (blank == std::string_view::npos) {
         return std::nullopt;
     }
-    return SForeignText{std::string(call.substr(0, blank)), std::string(Trim(call.substr(blank))),
+    return CForeignText{std::string(call.substr(0, blank)), std::string(Trim(call.substr(blank))),
                         std::string(Trim(text.substr(semicolon + 1)))};
 }
+
+} // namespace marlune::bridge

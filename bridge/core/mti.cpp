@@ -1,8 +1,5 @@
-// The functions of the foreign language interface that the bridge serves. exports.map lists them.
+// The functions of the foreign language interface that are served here. exports.map lists them.
 #include "mti.h"
-
-#include "bridge/vpi/bridge.h"
-#include "bridge/vpi/failure.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -11,6 +8,36 @@
 #include <string_view>
 
 #include <strings.h>
+
+#include "bridge/core/failure.h"
+#include "bridge/core/simulation.h"
+
+using marlune::bridge::GetSimulation;
+
+namespace {
+
+/// Ends the simulation; the message names the instance that is being elaborated or runs.
+[[noreturn]] void Fail(const std::string& text) {
+    marlune::bridge::Fail(marlune::bridge::GetCurrentPath(), text);
+}
+
+/// The value of a signal that the simulator holds.
+marlune::bridge::CSignalValue& ValueOf(mtiSignalIdT signal) {
+    if (signal->m_Value == nullptr) {
+        Fail("Signal '" + signal->m_Name + "' is served by direct calls only.");
+    }
+    return *signal->m_Value;
+}
+
+/// Assigns a value as the interface passes it: a position, or an array's address as a number.
+void Drive(mtiSignalIdT signal, mtiLongT value) {
+    const auto position = static_cast<unsigned char>(value);
+    ValueOf(signal).Drive(signal->m_Type.m_Kind == MTI_TYPE_ARRAY
+                              ? reinterpret_cast<const unsigned char*>(value) // NOLINT(performance-no-int-to-ptr)
+                              : &position);
+}
+
+} // namespace
 
 // The names of design objects and regions
 
@@ -24,7 +51,7 @@ mtiSignalIdT mti_FindPort(mtiInterfaceListT* ports, char* name) {
 }
 
 char* mti_GetRegionFullName(mtiRegionIdT region) {
-    return strdup(region->m_FullName.c_str());
+    return strdup(("/" + region->m_Path).c_str());
 }
 
 void mti_VsimFree(void* memory) {
@@ -32,38 +59,38 @@ void mti_VsimFree(void* memory) {
 } // from malloc or strdup
 
 char* mti_GetSignalName(mtiSignalIdT signal) {
-    return const_cast<char*>(signal->GetName().c_str()); // NOLINT(cppcoreguidelines-pro-type-const-cast)
+    return signal->m_Name.data();
 }
 
 // Processes, time and callbacks
 
 mtiProcessIdT mti_CreateProcess(char* /*name*/, mtiVoidFuncPtrT function, void* argument) {
-    return GetBridge().CreateProcess(function, argument);
+    return GetSimulation().CreateProcess(function, argument);
 }
 
 void mti_Sensitize(mtiProcessIdT process, mtiSignalIdT signal, mtiProcessTriggerT trigger) {
     if (trigger != MTI_EVENT) {
-        Fail("mti_Sensitize: VPI tells of events on signals only, not of their activity.");
+        Fail("mti_Sensitize: only events on signals wake a process here, not their activity.");
     }
-    process->Sensitize(signal);
+    signal->m_IsUsed = true;
+    GetSimulation().GetHost().Sensitize(process, signal);
 }
 
 mtiInt32T mti_Now() {
-    t_vpi_time now{vpiSimTime, 0, 0, 0};
-    vpi_get_time(nullptr, &now);
-    return static_cast<mtiInt32T>(now.low);
+    return GetSimulation().GetHost().Now();
 }
 
 void mti_AddQuitCB(mtiVoidFuncPtrT function, void* argument) {
-    GetBridge().AddQuitCallback(function, argument);
+    GetSimulation().AddQuitCallback(function, argument);
 }
 
-void mti_AddRestartCB(mtiVoidFuncPtrT /*function*/, void* /*argument*/) {} // no simulator behind VPI restarts
+void mti_AddRestartCB(mtiVoidFuncPtrT /*function*/, void* /*argument*/) {} // no simulator that is served here restarts
 
 // Drivers
 
 mtiDriverIdT mti_CreateDriver(mtiSignalIdT signal) {
-    return GetBridge().CreateDriver(signal);
+    signal->m_IsUsed = true;
+    return GetSimulation().CreateDriver(signal);
 }
 
 void mti_SetDriverOwner(mtiDriverIdT /*driver*/, mtiProcessIdT /*process*/) {} // it matters to resolution only
@@ -72,13 +99,13 @@ void mti_ScheduleDriver(mtiDriverIdT driver, mtiLongT value, mtiDelayT delay, mt
     if (delay != 0) { // without one, both modes are the same
         Fail("mti_ScheduleDriver: the bridge drives without delay only.");
     }
-    driver->m_Signal->Drive(value);
+    Drive(driver->m_Signal, value);
 }
 
 // Types and values
 
 mtiTypeIdT mti_GetSignalType(mtiSignalIdT signal) {
-    return signal->GetType();
+    return &signal->m_Type;
 }
 
 mtiTypeKindT mti_GetTypeKind(mtiTypeIdT type) {
@@ -94,27 +121,27 @@ mtiInt32T mti_TickLength(mtiTypeIdT type) {
 }
 
 mtiInt32T mti_GetSignalValue(mtiSignalIdT signal) {
-    if (signal->GetType()->m_Kind == MTI_TYPE_ARRAY) {
-        Fail("mti_GetSignalValue: signal '" + signal->GetName() + "' is an array.");
+    if (signal->m_Type.m_Kind == MTI_TYPE_ARRAY) {
+        Fail("mti_GetSignalValue: signal '" + signal->m_Name + "' is an array.");
     }
     unsigned char position = 0;
-    signal->Read(&position);
+    ValueOf(signal).Read(&position);
     return position;
 }
 
 void* mti_GetArraySignalValue(mtiSignalIdT signal, void* buffer) {
     if (buffer == nullptr) {
-        buffer = std::malloc(static_cast<std::size_t>(signal->GetWidth()));
+        buffer = std::malloc(static_cast<std::size_t>(signal->m_Type.m_Length));
         if (buffer == nullptr) {
             Fail("Out of memory.");
         }
     }
-    signal->Read(static_cast<unsigned char*>(buffer));
+    ValueOf(signal).Read(static_cast<unsigned char*>(buffer));
     return buffer;
 }
 
 void mti_SetSignalValue(mtiSignalIdT signal, mtiLongT value) {
-    signal->Drive(value);
+    Drive(signal, value);
 }
 
 // Messages
@@ -128,8 +155,7 @@ void mti_PrintFormatted(const char* format, ...) {
     std::vsnprintf(text.data(), text.size() + 1, format, again);
     va_end(again);
     va_end(arguments);
-    char plain[] = "%s";
-    vpi_printf(plain, text.c_str());
+    GetSimulation().GetHost().Print(text.c_str());
 }
 
 /// There is no Tcl here. A library sets a variable to tell scripts why it is about to stop: that text is printed.
@@ -138,12 +164,13 @@ void mti_Command(const char* command) {
     constexpr std::string_view SET = "set MTI_ERROR_MSG \"";
     const std::string_view text = command;
     if (text.substr(0, SET.size()) == SET) {
-        PrintError(std::string(text.substr(SET.size(), text.rfind('"') - SET.size())));
+        marlune::bridge::PrintError(marlune::bridge::GetCurrentPath(),
+                                    std::string(text.substr(SET.size(), text.rfind('"') - SET.size())));
     } else if (text.substr(0, DECLARE.size()) != DECLARE) {
         Fail("mti_Command: there is no Tcl to run '" + std::string(text) + "'.");
     }
 }
 
 void mti_FatalError() {
-    Stop();
+    marlune::bridge::Stop();
 }

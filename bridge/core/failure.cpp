@@ -1,0 +1,36 @@
+#include "bridge/core/failure.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace marlune::bridge {
+
+namespace {
+
+void Print(const char* kind, const std::string& path, const std::string& text) {
+    const std::string line = kind + (path.empty() ? "" : "'" + path + "': ") + text + "\n";
+    std::fflush(nullptr); // the simulator's own output first
+    std::fputs(line.c_str(), stderr);
+}
+
+} // namespace
+
+void PrintError(const std::string& path, const std::string& text) {
+    Print("fatal error: ", path, text);
+}
+
+void PrintWarning(const std::string& path, const std::string& text) {
+    Print("warning: ", path, text);
+}
+
+void Stop() {
+    std::fflush(nullptr);
+    std::exit(EXIT_FAILURE);
+}
+
+void Fail(const std::string& path, const std::string& text) {
+    PrintError(path, text);
+    Stop();
+}
+
+} // namespace marlune::bridge

@@ -1,0 +1,33 @@
+// Access to the memories from a test bench where there is no DPI, by the paths that a user writes.
+#ifndef MARLUNE_BRIDGE_CORE_TESTBENCH_H
+#define MARLUNE_BRIDGE_CORE_TESTBENCH_H
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "svdpi.h"
+
+namespace marlune::bridge {
+
+/// A cell's value, as wide as the widest cell: 1024 bits.
+using CCellValue = std::array<svLogicVecVal, 32>;
+
+// A path has its names separated by '.', '/' or ':', and may begin or end in such a character, as VHDL's 'path_name
+// does. Upper and lower case are alike unless two instances differ in nothing else. Addresses count LAUs. Errors end
+// the simulation.
+
+/// Loads the address space of an image into a memory: the LAUs at base + bank, then every banks-th, into the cells from
+/// 0 on.
+void Load(const std::string& path, const std::string& file, const std::string& addressSpace, std::uint32_t base,
+          std::uint32_t bank, std::uint32_t banks);
+
+/// Stores the low bits of the value into a cell; X and Z become 0.
+void Poke(const std::string& path, std::uint32_t address, const CCellValue& value);
+
+/// The contents of a cell, without sign.
+CCellValue Peek(const std::string& path, std::uint32_t address);
+
+} // namespace marlune::bridge
+
+#endif
