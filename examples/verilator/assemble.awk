@@ -78,7 +78,7 @@ function write_file(    s, w, first_line) {
         organization(1, space[s], bits[s], units[s])
         field(4, "section byte alignment")
         field(1, "is address absolute?")
-        field(address[s], "section address")
+        field(sprintf("%.0f", address[s]), "section address") # awk writes large numbers with an exponent
         print 1
         field(space[s] == "program" ? "T" : "D", "section flags")
         field(words[s] * units[s], "section data size in bytes")
