@@ -5,6 +5,7 @@
 //
 // An error (no such memory, an image that cannot be loaded or does not fit) ends the simulation with its text. An address
 // at or beyond a memory's size is told in the transcript; a read then gives 0 and a write does nothing.
+/* verilator lint_off TIMESCALEMOD */ // a test bench has a timescale or none
 package marlune_dpi;
 
   // Wide enough for every memory. A memory of fewer bits uses the low ones.
@@ -85,7 +86,7 @@ endpackage
 // `inputs` and `outputs` are their values. Each of the three begins with an element that does not count, in the most
 // significant bits, and goes on in the order of PORTS.
 module marlune_ports #(
-    parameter PARAMETERS = "",
+    parameter string PARAMETERS = "",
     parameter PORTS = "",
     parameter WIDTHS = 32'd0,
     parameter INPUT_BITS = 1,

@@ -3,10 +3,11 @@
 //
 // For other ports copy this file, and change the module's name, its ports and the list below them. marlune_memory.vhd
 // has the rules of port names.
+/* verilator lint_off TIMESCALEMOD */ // a test bench has a timescale or none
 module marlune_memory #(
     parameter ADDRESS_BITS = 10,
     parameter DATA_BITS = 32,
-    parameter PARAMETERS = "0 32 1024"
+    parameter string PARAMETERS = "0 32 1024"
 ) (
     input                     CLK,
     input                     r_RE0,
