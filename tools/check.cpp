@@ -19,12 +19,6 @@ using ObjectFile::CSectionData;
 
 constexpr int MOST_BITS = 1024; // of a memory's cell
 
-/// What the check of LAU widths wants to know of a memory.
-struct SMemory {
-    std::string m_Name;
-    std::uint32_t m_ByteBitWidth;
-};
-
 class CChecker {
 public:
     CChecker(const ObjectFile::CObjectFile& image, const SOptions& options)
@@ -104,7 +98,7 @@ private:
                                .try_emplace(section.GetAddressSpaceName(),
                                             m_Options.m_Width.value_or(static_cast<unsigned>(data.GetByteLength(0))))
                                .first;
-        foreign::CheckUnitWidth(SMemory{"memory", first->second}, m_Image, data);
+        foreign::CheckUnitWidth({"memory", first->second, 0}, m_Image, data);
         if (section.GetType() == CSection::TYPE_BSS) {
             return; // zeros, and maybe very many
         }
