@@ -6,7 +6,8 @@
 module marlune_memory #(
     parameter ADDRESS_BITS = 10,
     parameter DATA_BITS = 32,
-    parameter PARAMETERS = "0 32 1024"
+    parameter PARAMETERS = "",  // "mode width cells"; empty: from MODE and the widths above
+    parameter MODE = 0          // 0: a read drives Q0 at its own edge; 1: one edge later
 ) (
     input                     CLK,
     input                     r_RE0,
@@ -69,6 +70,7 @@ module marlune_memory #(
 `undef MARLUNE_OUTPUT
 `undef MARLUNE_PORTS
 
-  marlune_ports #(PARAMETERS, NAMES, WIDTHS, INPUT_BITS, OUTPUT_BITS) memory (CLK, inputs, outputs);
+  marlune_ports #(PARAMETERS, MODE, DATA_BITS, ADDRESS_BITS, NAMES, WIDTHS, INPUT_BITS, OUTPUT_BITS)
+      memory (CLK, inputs, outputs);
 
 endmodule

@@ -5,9 +5,10 @@ use ieee.std_logic_1164.all;
 
 package marlune_direct is
 
-  -- Elaborates a memory; an error ends the simulation. Ports are given as "name:length" for a vector and "name" for a
+  -- Elaborates a memory; an error ends the simulation. Empty parameters are made of the three numbers. Ports are given as "name:length" for a vector and "name" for a
   -- std_logic, separated by blanks. Those whose names end in Q0 are outputs.
-  impure function open_memory(clock_path, parameters, ports : string) return integer;
+  impure function open_memory(clock_path, parameters : string; mode, data_bits, address_bits : natural; ports : string)
+    return integer;
   attribute foreign of open_memory : function is "VHPIDIRECT libmarlune_direct.so marlune_vhdl_open";
 
   -- Reports an event on the clock or an input. The values are in the order of the ports. Outputs are written if `changed`.
@@ -19,7 +20,8 @@ end package;
 
 package body marlune_direct is
 
-  impure function open_memory(clock_path, parameters, ports : string) return integer is
+  impure function open_memory(clock_path, parameters : string; mode, data_bits, address_bits : natural; ports : string)
+    return integer is
   begin
     report "libmarlune_direct.so is called in place of this" severity failure;
     return 0;
