@@ -12,7 +12,9 @@ namespace {
 /// Some contents can be stored but not read back, nameless symbols for instance.
 void RequireLoadable(const std::string& path, const std::string& target) {
     try {
-        LoadImage(path);
+        SOptions options;
+        options.m_File = path;
+        LoadImage(options);
     } catch (const CImageError& error) {
         throw std::runtime_error("cannot write '" + Printable(target) +
                                  "': the image has contents that would not load again: " + error.m_Text);
@@ -22,7 +24,7 @@ void RequireLoadable(const std::string& path, const std::string& target) {
 } // namespace
 
 int RunConvert(const SOptions& options) {
-    const auto image = LoadImage(options.m_File);
+    auto image = LoadImage(options);
     ReplaceFile(options.m_Output, [&](const std::string& path) {
         {
             const CProgress progress("writing " + options.m_Output, CProgress::WRITING, FileSize(options.m_File));
@@ -31,6 +33,7 @@ int RunConvert(const SOptions& options) {
                 ThrowCannotWrite(options.m_Output);
             }
         }
+        image.reset();                  // not in memory twice
         if (path != options.m_Output) { // else it is a device
             RequireLoadable(path, options.m_Output);
         }

@@ -42,7 +42,7 @@ CTable Pieces(const SSpace& space) {
 } // namespace
 
 int RunMap(const SOptions& options) {
-    const auto image = LoadImage(options.m_File);
+    const auto image = LoadImage(options);
     const std::vector<SSpace> spaces = LayOut(*image, true);
     if (options.m_Json) {
         CJson list = CJson::array();
