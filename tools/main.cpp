@@ -20,6 +20,16 @@ namespace {
 
 const CLI::Range POSITIVE(std::uint32_t{1}, std::numeric_limits<std::uint32_t>::max());
 
+/// An option whose value is one of a few names.
+template <typename TValue>
+CLI::Option* AddChoice(CLI::App& app, const std::string& name, std::optional<TValue>& value, const std::string& text,
+                       const std::map<std::string, TValue>& values) {
+    return app
+        .add_option_function<std::string>(
+            name, [&value, values](const std::string& given) { value = values.at(given); }, text)
+        ->check(CLI::IsMember(values));
+}
+
 std::map<std::string, eFormat> FormatsByName() {
     std::map<std::string, eFormat> formats;
     for (const CFormat& format : Formats()) {
@@ -41,16 +51,11 @@ void AddImport(CLI::App& app, SOptions& options) {
     app.add_option("--width", options.m_Width, "bits of one LAU of the memory")
         ->type_name("BITS")
         ->check(CLI::Range(1, 1024).description(""));
-    app.add_option("--from", options.m_Format, "the format; recognised by content if not given")
-        ->type_name("FORMAT")
-        ->transform(CLI::CheckedTransformer(FormatsByName()).description("{" + FormatNames(true) + "}"))
+    AddChoice(app, "--from", options.m_Format, "the format; recognised by content if not given", FormatsByName())
         ->group(GROUP);
     app.add_option("--base", options.m_Base, "address in the file that becomes 0")->type_name("ADDRESS")->group(GROUP);
-    app.add_option("--endian", options.m_Order, "in which order bytes form a LAU; the file's own, or little")
-        ->type_name("ORDER")
-        ->transform(CLI::CheckedTransformer(std::map<std::string, ObjectFile::eByteOrder>{
-                                                {"little", ObjectFile::BO_LITTLE}, {"big", ObjectFile::BO_BIG}})
-                        .description("{little, big}"))
+    AddChoice(app, "--endian", options.m_Order, "in which order bytes form a LAU; the file's own, or little",
+              {{"little", ObjectFile::BO_LITTLE}, {"big", ObjectFile::BO_BIG}})
         ->group(GROUP);
     app.add_option("--entry", options.m_Entry, "entry point; the file's own if not given")
         ->type_name("ADDRESS")

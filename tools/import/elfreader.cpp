@@ -41,7 +41,10 @@ public:
         elf_version(EV_CURRENT);
         m_Elf.reset(elf_begin(source->Handle(), ELF_C_READ, nullptr));
         m_Program.m_Source = std::move(source);
-        if (m_Elf == nullptr || gelf_getehdr(m_Elf.get(), &m_Header) == nullptr) {
+        if (m_Elf == nullptr || elf_kind(m_Elf.get()) != ELF_K_ELF) {
+            throw std::runtime_error("the ELF header is damaged or cut off");
+        }
+        if (gelf_getehdr(m_Elf.get(), &m_Header) == nullptr) {
             ThrowElfError();
         }
     }

@@ -20,7 +20,7 @@ using ObjectFile::CSymbol;
 constexpr int USUAL_WORD = 32; // bits of a line of the text form, where LAUs fit into it
 constexpr std::uint64_t LAU_ADDRESSES = std::uint64_t{1} << 32;
 constexpr std::uint64_t MOST_LAUS = std::numeric_limits<int>::max(); // of a section
-constexpr std::size_t CHUNK_BYTES = std::size_t{1} << 18; // converted at a time
+constexpr std::size_t CHUNK_BYTES = std::size_t{1} << 18;            // converted at a time
 
 /// The LAUs of a section of the image.
 struct CRange {
@@ -28,7 +28,7 @@ struct CRange {
     std::uint64_t m_First;
     std::uint64_t m_End;
 
-    bool IsZero() const { return m_Section->m_Type == CSection::TYPE_BSS; }
+    bool IsZero() const { return m_Section->IsZero(); }
 };
 
 class CImageBuilder {
@@ -73,6 +73,7 @@ private:
 
     void AddRange(const CProgramSection& section) {
         RequireAddresses(section);
+        m_Sections[section.m_Key] = nullptr;
         CRange range{&section, (section.m_Address - Base()) / m_Bytes,
                      (section.End() - Base() + m_Bytes - 1) / m_Bytes};
         if (!m_Ranges.empty() && range.m_First < m_Ranges.back().m_End) { // they meet in one LAU
@@ -103,18 +104,16 @@ private:
         const auto lauStart = [this](std::uint64_t address) { return address - (address - Base()) % m_Bytes; };
         std::uint64_t known = Base(); // up to here: given, or noted
         for (const CProgramSection& section : m_Program.m_Sections) {
-            const bool isZero = section.m_Type == CSection::TYPE_BSS;
             const std::uint64_t tailEnd = std::min(lauStart(known + m_Bytes - 1), section.m_Address);
             note(known, tailEnd);
-            note(isZero ? section.m_Address : std::max({known, tailEnd, lauStart(section.m_Address)}),
+            note(section.IsZero() ? section.m_Address : std::max({known, tailEnd, lauStart(section.m_Address)}),
                  section.m_Address);
-            known = isZero ? lauStart(section.End() + m_Bytes - 1) : section.End();
+            known = section.IsZero() ? lauStart(section.End() + m_Bytes - 1) : section.End();
         }
         note(known, lauStart(known + m_Bytes - 1));
         if (filled > 0) {
-            m_Warn(Counted(filled, "byte") +
-                   " of LAUs that the program gives in part only are filled with zeros, the first is " +
-                   m_Program.DescribeAddress(first));
+            m_Warn("LAUs that the program gives only in part are filled with zeros: " + Counted(filled, "byte") +
+                   ", the first is " + m_Program.DescribeAddress(first));
         }
     }
 
@@ -226,10 +225,13 @@ private:
         return true;
     }
 
-    /// The section of the key, or that before it when it has the LAU in which they meet; null if there is none.
+    /// The section of the key, or another with the LAU in which the two meet; null if the key is of none.
     CSection* SectionOf(std::size_t key, std::uint64_t unit) const {
         const auto found = m_Sections.find(key);
-        if (found != m_Sections.end() && found->second->GetMemoryByteAddress() <= unit) {
+        if (found == m_Sections.end()) {
+            return nullptr;
+        }
+        if (found->second != nullptr && found->second->GetMemoryByteAddress() <= unit) {
             return found->second;
         }
         const auto after = std::upper_bound(m_Ranges.begin(), m_Ranges.end(), unit,
@@ -261,13 +263,13 @@ private:
     const ObjectFile::eByteOrder m_Order;
     std::unique_ptr<CObjectFile> m_Image;
     std::vector<CRange> m_Ranges;                // by address
-    std::map<std::size_t, CSection*> m_Sections; // by key
+    std::map<std::size_t, CSection*> m_Sections; // by key; null if others have all its LAUs
 };
 
 } // namespace
 
 std::unique_ptr<CObjectFile> BuildImage(CProgram& program, const CImportOptions& options, const CWarn& warn) {
-    program.Arrange();
+    program.Arrange(warn);
     return CImageBuilder(program, options, warn).Build();
 }
 

@@ -22,7 +22,7 @@ void CProgram::Add(CBytePool& pool, std::uint64_t address, std::string_view byte
     pool.Append(bytes);
 }
 
-void CProgram::Arrange() {
+void CProgram::Arrange(const CWarn& warn) {
     const auto byAddress = [](const auto& a, const auto& b) { return a.m_Address < b.m_Address; };
     std::stable_sort(m_Extents.begin(), m_Extents.end(), byAddress);
     if (m_Sections.empty()) {
@@ -34,17 +34,31 @@ void CProgram::Arrange() {
         throw std::runtime_error("there is nothing to load in it");
     }
     std::stable_sort(m_Sections.begin(), m_Sections.end(), byAddress);
-    const CProgramSection* before = nullptr;
-    for (const CProgramSection& section : m_Sections) {
+    std::vector<CProgramSection> apart;
+    for (CProgramSection& section : m_Sections) {
         if (section.m_Address > HIGHEST_END || section.m_Size > HIGHEST_END - section.m_Address) {
-            throw std::runtime_error("the section '" + section.m_Name + "' at " + Hex(section.m_Address) + " has " +
-                                     Hex(section.m_Size) + " bytes, which is beyond all addresses");
+            throw std::runtime_error("the section '" + Printable(section.m_Name) + "' at " + Hex(section.m_Address) +
+                                     " has " + Hex(section.m_Size) + " bytes, which is beyond all addresses");
         }
-        if (before != nullptr && before->End() > section.m_Address) {
-            throw std::runtime_error(Describe(*before) + " and " + Describe(section) + " overlap");
+        const bool overlaps = !apart.empty() && apart.back().End() > section.m_Address;
+        if (overlaps && !section.IsZero()) {
+            if (!apart.back().IsZero()) {
+                throw std::runtime_error(Describe(apart.back()) + " and " + Describe(section) + " overlap");
+            }
+            TellLeftOut(apart.back(), section, warn);
+            apart.pop_back();
         }
-        before = &section;
+        if (overlaps && section.IsZero()) {
+            TellLeftOut(section, apart.back(), warn);
+        } else {
+            apart.push_back(std::move(section));
+        }
     }
+    m_Sections = std::move(apart);
+}
+
+void CProgram::TellLeftOut(const CProgramSection& zeros, const CProgramSection& other, const CWarn& warn) const {
+    warn("the zeros of " + Describe(zeros) + " overlap " + Describe(other) + " and are left out");
 }
 
 void CProgram::Read(std::uint64_t address, char* to, std::size_t count) const {

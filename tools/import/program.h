@@ -12,6 +12,7 @@
 #include "objectfile/section.h"
 #include "objectfile/symbol.h"
 #include "tools/import/bytesource.h"
+#include "tools/import/importoptions.h"
 
 namespace marlune::tool {
 
@@ -31,6 +32,7 @@ struct CProgramSection {
     std::size_t m_Key; // by which symbols refer to it
 
     std::uint64_t End() const { return m_Address + m_Size; }
+    bool IsZero() const { return m_Type == ObjectFile::CSection::TYPE_BSS; }
 };
 
 struct CProgramSymbol {
@@ -56,9 +58,11 @@ public:
     /// Appends bytes to the source, which is a CBytePool, and to the last extent when they follow it.
     void Add(CBytePool& pool, std::uint64_t address, std::string_view bytes);
 
-    /// Sorts extents and sections by address; without sections, each extent becomes one that has no name. Throws
-    /// std::runtime_error when two sections overlap, when there are none, or when addresses need more than 64 bits.
-    void Arrange();
+    /// Sorts extents and sections by address; without sections, each extent becomes one that has no name. Zeros that
+    /// overlap another section are left out, with a warning: where a program is loaded is not where its zeros will be
+    /// if it copies itself. Throws std::runtime_error when other sections overlap, when there are none, or when
+    /// addresses need more than 64 bits.
+    void Arrange(const CWarn& warn);
     /// Stores the bytes from the address on, after Arrange.
     void Read(std::uint64_t address, char* to, std::size_t count) const;
 
@@ -66,6 +70,9 @@ public:
     std::string Describe(const CProgramSection& section) const;
     /// "byte 0x100", in the unit of the file's addresses.
     std::string DescribeAddress(std::uint64_t address) const;
+
+private:
+    void TellLeftOut(const CProgramSection& zeros, const CProgramSection& other, const CWarn& warn) const;
 };
 
 } // namespace marlune::tool
