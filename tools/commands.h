@@ -20,6 +20,7 @@ constexpr int STATUS_USAGE = 2; // wrong usage
 struct SOptions : CImportOptions {
     std::string m_File;
     bool m_NamesMemory = false;    // address space and width are those of a memory, whatever the file
+    bool m_WritesBytes = false;    // in a byte order, whatever the file
     bool m_RequiresMemory = false; // a program of another toolchain needs them
     std::string m_Output;          // empty for standard output
     bool m_Json = false;

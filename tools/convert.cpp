@@ -9,7 +9,8 @@
 namespace marlune::tool {
 namespace {
 
-/// Some contents can be stored but not read back, nameless symbols for instance.
+/// Some contents of the library's own files can be stored but not read back, nameless symbols for instance. An import
+/// makes none of these.
 void RequireLoadable(const std::string& path, const std::string& target) {
     try {
         SOptions options;
@@ -33,8 +34,8 @@ int RunConvert(const SOptions& options) {
                 ThrowCannotWrite(options.m_Output);
             }
         }
-        image.reset();                  // not in memory twice
-        if (path != options.m_Output) { // else it is a device
+        image.reset();                                          // not in memory twice
+        if (!IsImported(options) && path != options.m_Output) { // else it is a device
             RequireLoadable(path, options.m_Output);
         }
     });

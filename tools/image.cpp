@@ -107,7 +107,7 @@ void RequireNoImportOptions(const SOptions& options) {
                                                              {options.m_Width && !options.m_NamesMemory, "--width"},
                                                              {options.m_Base.has_value(), "--base"},
                                                              {options.m_Entry.has_value(), "--entry"},
-                                                             {options.m_Order && !options.m_NamesMemory, "--endian"}}};
+                                                             {options.m_Order && !options.m_WritesBytes, "--endian"}}};
     for (const auto& [isGiven, name] : given) {
         if (isGiven) {
             throw std::runtime_error(std::string(name) +
@@ -163,6 +163,10 @@ std::unique_ptr<ObjectFile::CObjectFile> LoadImage(const SOptions& options, cons
     } catch (const std::exception& error) {
         throw CImageError(path, std::nullopt, WithoutLineEnd(error.what()));
     }
+}
+
+bool IsImported(const SOptions& options) {
+    return !IsOwn(options, FormatOf(options));
 }
 
 std::string KindOfImage(const SOptions& options) {

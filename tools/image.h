@@ -24,6 +24,8 @@ public:
 /// other toolchain by way of an import. Throws CImageError with the exact reason, which a simulator does not show.
 /// Without `warn`, warnings go to standard error.
 std::unique_ptr<ObjectFile::CObjectFile> LoadImage(const SOptions& options, const CWarn& warn = nullptr);
+/// Is options.m_File a program of another toolchain?
+bool IsImported(const SOptions& options);
 /// What options.m_File is: "text object file", "Intel HEX file". Throws CImageError when that cannot be said.
 std::string KindOfImage(const SOptions& options);
 

@@ -95,6 +95,7 @@ void AddMap(CLI::App& app, SOptions& options) {
 enum eMemory {
     LOOKED_AT, // how to show a program of another toolchain
     LOADED,    // which memory loads the image, whatever its kind
+    DUMPED,    // the same, and --endian says how its cells are written
     WRITTEN    // for which memory a program of another toolchain is converted: they must be given
 };
 
@@ -111,7 +112,7 @@ constexpr std::array<SCommand, 7> COMMANDS{
      {"lines", "the assembly line table", LOOKED_AT, RunLines, AddJson},
      {"check", "what is wrong with an image, and what a load leaves out", LOADED, RunCheck, AddJson},
      {"convert", "write an image as text object file", WRITTEN, RunConvert, AddConvert},
-     {"dump", "the cells of a memory after a load of the image", LOADED, RunDump, AddDump},
+     {"dump", "the cells of a memory after a load of the image", DUMPED, RunDump, AddDump},
      {"map", "a picture of each address space", LOOKED_AT, RunMap, AddMap}}};
 
 /// A script that asked for JSON gets the reason for a failure as JSON, too.
@@ -143,7 +144,8 @@ int Run(int argc, char** argv) {
         sub->footer(FormatsLeftOut());
         sub->callback([&] {
             chosen = &command;
-            options.m_NamesMemory = command.m_Memory == LOADED;
+            options.m_NamesMemory = command.m_Memory == LOADED || command.m_Memory == DUMPED;
+            options.m_WritesBytes = command.m_Memory == DUMPED;
             options.m_RequiresMemory = command.m_Memory == WRITTEN;
         });
     }

@@ -114,6 +114,9 @@ private:
                 m_Segments.push_back(segment);
             }
         }
+        if (count < m_Header.e_phnum) {
+            throw std::runtime_error("the file ends before the program headers of the ELF file do");
+        }
         if (m_Segments.empty()) {
             throw std::runtime_error("the ELF file has no loadable segment");
         }
