@@ -44,7 +44,8 @@ eFormat FormatOfInput() {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     constexpr std::uint64_t MOST_LAUS = 1 << 20; // to be written as text
-    const eFormat format = (WriteInput(bytes, size), FormatOfInput());
+    WriteInput(bytes, size);
+    const eFormat format = FormatOfInput();
     for (const std::uint32_t width : {8U, 9U, 32U, 1024U}) {
         WriteInput(bytes, size);
         CImportOptions options;

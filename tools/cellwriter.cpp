@@ -332,10 +332,9 @@ constexpr std::array<CCellFormat, 5> FORMATS{{{"hex", &CCellWriter::HexRows},
 } // namespace
 
 std::vector<std::string> CellFormats() {
-    std::vector<std::string> names;
-    for (const CCellFormat& format : FORMATS) {
-        names.emplace_back(format.m_Name);
-    }
+    std::vector<std::string> names(FORMATS.size());
+    std::transform(FORMATS.begin(), FORMATS.end(), names.begin(),
+                   [](const CCellFormat& format) { return format.m_Name; });
     return names;
 }
 

@@ -62,7 +62,7 @@ void CatchEndingSignals() {
         if (sigismember(&signals, signal) == 1 && sigaction(signal, nullptr, &action) == 0 &&
             action.sa_handler == SIG_DFL) {
             action.sa_handler = RemoveTemporaryFile;
-            action.sa_flags = SA_RESETHAND;
+            action.sa_flags = static_cast<int>(SA_RESETHAND);
             sigaction(signal, &action, nullptr);
         }
     }
