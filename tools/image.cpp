@@ -157,7 +157,7 @@ std::unique_ptr<ObjectFile::CObjectFile> LoadImage(const SOptions& options, cons
     } catch (const CImageError&) {
         throw;
     } catch (const CReadError& error) {
-        throw CImageError(path, error.m_Line, error.what());
+        throw CImageError(path, error.m_Line > 0 ? std::optional<long>(error.m_Line) : std::nullopt, error.what());
     } catch (const std::bad_alloc&) {
         throw CImageError(path, std::nullopt, "there is not enough memory for it");
     } catch (const std::exception& error) {

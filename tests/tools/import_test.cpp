@@ -204,6 +204,7 @@ TEST(Import, ErrorsNameWhatIsWrong) {
         {":0100000001FE\n:00000001FF\n:0100010001FD\n", none,
          "line 3: a record after the end record; join such files with a tool that knows the format"},
         {"S1040000AA52\n", none, "line 1: checksum mismatch (00 != FF)"},
+        {"S1040000AA51\nX1040001AA50\n", none, "line 2: this line is no record"},
     };
     for (const auto& [contents, options, expected] : cases) {
         EXPECT_EQ(Import(contents, options).m_Text, expected) << contents.substr(0, 20);

@@ -32,9 +32,9 @@ round_trip() {
         "$tool" dump image.vexon --space ram --width "$width" --size "$cells" --format bin -o bytes
         cmp -n "$size" bytes expected || fail "$elf differs at $width bits"
         "$tool" convert expected direct.vexon --from binary --space ram --width "$width" 2> warnings
-        for format in ihex srec readmemh; do
+        for format in bin ihex srec readmemh; do
             "$tool" dump direct.vexon --space ram --width "$width" --size "$cells" --format "$format" -o "cells.$format"
-            "$tool" convert "cells.$format" again.vexon --space ram --width "$width"
+            "$tool" convert "cells.$format" again.vexon --space ram --width "$width" --from "${format/#bin/binary}"
             same_image direct.vexon again.vexon || fail "$elf: $format differs at $width bits"
         done
     done

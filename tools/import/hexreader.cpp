@@ -26,7 +26,9 @@ public:
 namespace marlune::tool {
 namespace {
 
-const std::string NO_HEADER = "no header record"; // of a file that needs none
+// Warnings of the library that are not passed on: of a file that lacks what it does not need, and of lost contents.
+const std::string NO_HEADER = "warning: no header record";
+const std::string IGNORED_LINE = "warning: ignoring garbage lines";
 const std::string WARNING = "warning: ";
 
 /// Takes the library's messages, "path: line: warning: text", and its wish to end the process.
@@ -44,7 +46,10 @@ public:
         char* rest = nullptr;
         m_Line = std::strtol(text.c_str(), &rest, 10);
         m_Text = *rest == ':' ? rest + 2 : text;
-        if (m_Text.compare(0, WARNING.size(), WARNING) == 0 && m_Text != WARNING + NO_HEADER) {
+        if (m_Text == IGNORED_LINE) {
+            throw CReadError(m_Line, "this line is no record");
+        }
+        if (m_Text.compare(0, WARNING.size(), WARNING) == 0 && m_Text != NO_HEADER) {
             m_Warn("line " + std::to_string(m_Line) + ": " + m_Text.substr(WARNING.size()));
         }
     }
@@ -58,10 +63,16 @@ private:
     std::string m_Text; // of the last message
 };
 
-void ReadRecords(srecord::input& input, CProgram& program) {
+/// Reads all records by way of the library, whose reader `create` makes.
+void ReadRecords(const std::string& path, srecord::input::pointer (*create)(const std::string& path), CProgram& program,
+                 const CWarn& warn) {
+    const std::string file = path == "-" ? "./-" : path; // "-" alone is standard input for the library
+    CMessages messages(file, warn);
+    const srecord::input::pointer input = create(file);
+    input->set_quit(messages);
     auto pool = std::make_unique<CBytePool>();
     srecord::record record;
-    while (input.read(record)) {
+    while (input->read(record)) {
         if (record.get_type() == srecord::record::type_data) {
             const auto* const bytes = reinterpret_cast<const char*>(record.get_data());
             program.Add(*pool, record.get_address(), {bytes, record.get_length()});
@@ -90,18 +101,12 @@ void RequireNothingAfterEnd(const std::string& path) {
 } // namespace
 
 void ReadIntelHex(const std::string& path, const CImportOptions& /*options*/, CProgram& program, const CWarn& warn) {
-    CMessages messages(path, warn);
-    const auto input = srecord::input_file_intel::create(path);
-    input->set_quit(messages);
-    ReadRecords(*input, program);
+    ReadRecords(path, srecord::input_file_intel::create, program, warn);
     RequireNothingAfterEnd(path);
 }
 
 void ReadSRecords(const std::string& path, const CImportOptions& /*options*/, CProgram& program, const CWarn& warn) {
-    CMessages messages(path, warn);
-    const auto input = srecord::input_file_motorola::create(path);
-    input->set_quit(messages);
-    ReadRecords(*input, program);
+    ReadRecords(path, srecord::input_file_motorola::create, program, warn);
 }
 
 } // namespace marlune::tool

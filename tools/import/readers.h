@@ -14,7 +14,7 @@ namespace marlune::tool {
 /// What is wrong in a line of a text format.
 class CReadError : public std::runtime_error {
 public:
-    /// `line` counts from 1.
+    /// `line` counts from 1; 0 when the reader does not know it.
     CReadError(long line, const std::string& text) : std::runtime_error(text), m_Line(line) {}
 
     const long m_Line;
