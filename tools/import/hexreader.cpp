@@ -15,7 +15,7 @@ namespace srecord {
 /// The library has this class, but not every package of its headers does. This is all that is used of it.
 class input_file_motorola {
 public:
-    static input::pointer create(const std::string& path);
+    static input_file::pointer create(const std::string& path);
 };
 } // namespace srecord
 #endif
@@ -64,11 +64,11 @@ private:
 };
 
 /// Reads all records by way of the library, whose reader `create` makes.
-void ReadRecords(const std::string& path, srecord::input::pointer (*create)(const std::string& path), CProgram& program,
-                 const CWarn& warn) {
+void ReadRecords(const std::string& path, srecord::input_file::pointer (*create)(const std::string& path),
+                 CProgram& program, const CWarn& warn) {
     const std::string file = path == "-" ? "./-" : path; // "-" alone is standard input for the library
     CMessages messages(file, warn);
-    const srecord::input::pointer input = create(file);
+    const auto input = create(file);
     input->set_quit(messages);
     auto pool = std::make_unique<CBytePool>();
     srecord::record record;
