@@ -36,11 +36,13 @@ mode_t Permissions(const std::string& path) {
 /// The path of the temporary file, for a signal handler, or null.
 std::atomic<const char*> g_TemporaryPath{nullptr};
 
-/// Removes the temporary file. The signal has its default action again and comes a second time when this returns.
+/// Removes the temporary file. The signal comes a second time when this returns, and ends the process. Its default action
+/// is not back before the file is gone: the system may end a process at once, without this, when a signal comes twice.
 void RemoveTemporaryFile(int signal) {
     if (const char* const path = g_TemporaryPath.load()) {
         unlink(path);
     }
+    std::signal(signal, SIG_DFL);
     raise(signal);
 }
 
@@ -62,7 +64,7 @@ void CatchEndingSignals() {
         if (sigismember(&signals, signal) == 1 && sigaction(signal, nullptr, &action) == 0 &&
             action.sa_handler == SIG_DFL) {
             action.sa_handler = RemoveTemporaryFile;
-            action.sa_flags = static_cast<int>(SA_RESETHAND);
+            action.sa_mask = signals;
             sigaction(signal, &action, nullptr);
         }
     }
