@@ -36,8 +36,9 @@ mode_t Permissions(const std::string& path) {
 /// The path of the temporary file, for a signal handler, or null.
 std::atomic<const char*> g_TemporaryPath{nullptr};
 
-/// Removes the temporary file. The signal comes a second time when this returns, and ends the process. Its default action
-/// is not back before the file is gone: the system may end a process at once, without this, when a signal comes twice.
+/// Removes the temporary file. The signal comes a second time when this returns, and ends the process. Its default
+/// action is not back before the file is gone: the system may end a process at once, without this, when a signal comes
+/// twice.
 void RemoveTemporaryFile(int signal) {
     if (const char* const path = g_TemporaryPath.load()) {
         unlink(path);

@@ -290,8 +290,8 @@ private:
         std::string name = type == STT_SECTION && !isAbsolute ? section->second->m_Name
                                                               : NameOf(elf_strptr(m_Elf.get(), names, symbol.st_name));
         const CSymbol::eType scope = isAbsolute ? CSymbol::TYPE_ABSOLUTE : ScopeOf(GELF_ST_BIND(symbol.st_info));
-        const bool isMark = scope == CSymbol::TYPE_PRIVATE && type == STT_NOTYPE && IsMark(name);
-        if (!name.empty() && !isMark) {
+        const bool isLabel = scope == CSymbol::TYPE_PRIVATE && type == STT_NOTYPE;
+        if (!name.empty() && !(isLabel && IsMark(name))) {
             const std::uint64_t address = symbol.st_value + (isAbsolute ? 0 : section->second->m_Displacement);
             m_Program.m_Symbols.push_back(
                 {std::move(name), scope, UsageOf(type), address, symbol.st_size, symbol.st_shndx});
