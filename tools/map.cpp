@@ -18,7 +18,8 @@
 namespace marlune::tool {
 namespace {
 
-constexpr std::size_t USUAL_BAR = 40; // characters
+constexpr const char* PLACE = "Place"; // title of the last column, the bars
+constexpr std::size_t USUAL_BAR = 40;  // characters
 constexpr std::size_t SHORTEST_BAR = 10;
 constexpr std::size_t LONGEST_BAR = 160;
 
@@ -60,7 +61,7 @@ CTable Pieces(const SSpace& space, std::size_t barLength) {
                   {"First", "first", true},
                   {"Last", "last", true},
                   {"LAUs", "units", true},
-                  {"Place", "place"}});
+                  {PLACE, "place"}});
     for (const SPiece& piece : space.m_Pieces) {
         const bool gap = piece.m_Section == nullptr;
         table.AddRow({gap ? CField() : CField(piece.m_Section->GetName()),
@@ -76,15 +77,11 @@ std::size_t BarLength(const SSpace& space) {
     if (!columns) {
         return USUAL_BAR;
     }
-    std::ostringstream text;
-    Pieces(space, SHORTEST_BAR).Print(text);
-    std::size_t widest = 0;
-    std::istringstream lines(text.str());
-    for (std::string line; std::getline(lines, line);) {
-        widest = std::max(widest, line.size());
-    }
-    const std::size_t room = *columns > widest ? *columns - widest : 0;
-    return std::min(SHORTEST_BAR + room, LONGEST_BAR);
+    std::ostringstream table;
+    Pieces(space, SHORTEST_BAR).Print(table);
+    const std::size_t before = table.str().find(PLACE); // in the line of titles
+    const std::size_t taken = before + Bar(space, space.m_Pieces.front(), SHORTEST_BAR).size();
+    return std::min(SHORTEST_BAR + (*columns > taken ? *columns - taken : 0), LONGEST_BAR);
 }
 
 } // namespace
