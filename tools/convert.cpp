@@ -26,16 +26,18 @@ void RequireLoadable(const std::string& path, const std::string& target) {
 
 int RunConvert(const SOptions& options) {
     auto image = LoadImage(options);
+    const bool isImported = IsImported(options);
     ReplaceFile(options.m_Output, [&](const std::string& path) {
         {
-            const CProgress progress("writing " + options.m_Output, CProgress::WRITING, FileSize(options.m_File));
+            const std::uint64_t size = isImported ? 0 : FileSize(options.m_File); // about as much
+            const CProgress progress("writing " + options.m_Output, CProgress::WRITING, size);
             errno = 0;
             if (!image->SaveFile(path)) {
                 ThrowCannotWrite(options.m_Output);
             }
         }
-        image.reset();                                          // not in memory twice
-        if (!IsImported(options) && path != options.m_Output) { // else it is a device
+        image.reset();                                 // not in memory twice
+        if (!isImported && path != options.m_Output) { // else it is a device
             RequireLoadable(path, options.m_Output);
         }
     });
