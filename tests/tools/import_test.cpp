@@ -148,6 +148,31 @@ TEST(Import, ElfSectionsInLausOfEachWidth) {
     EXPECT_EQ(Cells(*Import(ReadFile(DATA + "big32.elf"), based).m_Image, 64, 0, 1), "1122334455667700");
 }
 
+TEST(Import, ZerosGiveWayToContents) {
+    constexpr auto BSS = ObjectFile::CSection::TYPE_BSS;
+    CProgram program;
+    auto pool = std::make_unique<CBytePool>();
+    program.Add(*pool, 0x10, "abcd");
+    program.Add(*pool, 0x20, "efgh");
+    program.m_Source = std::move(pool);
+    program.m_Extents.push_back({0x12, 0, 8}); // a segment of zeros alone
+    program.m_Sections = {{".bss", BSS, 0x12, 40, 0},
+                          {".text", ObjectFile::CSection::TYPE_TEXT, 0x10, 4, 1},
+                          {".data", ObjectFile::CSection::TYPE_DATA, 0x20, 4, 2},
+                          {".zeros", BSS, 0x1c, 8, 3}};
+    std::string warnings;
+    program.Arrange([&](const std::string& text) { warnings += text + "\n"; });
+    EXPECT_EQ(
+        warnings,
+        "the zeros of section '.bss' (bytes 0x12 to 0x39) overlap section '.text' (bytes 0x10 to 0x13) and are left "
+        "out\nthe zeros of section '.zeros' (bytes 0x1c to 0x23) overlap section '.data' (bytes 0x20 to 0x23) and "
+        "are left out\n");
+    ASSERT_EQ(program.m_Sections.size(), 2U);
+    std::string bytes(19, '?');
+    program.Read(0x12, bytes.data(), bytes.size());
+    EXPECT_EQ(bytes, std::string("cd") + std::string(12, '\0') + "efgh" + '\0');
+}
+
 /// The little-endian file of 64 bits with a number in place of that at the offset.
 std::string Patched(std::size_t offset, std::uint64_t value, std::size_t bytes = 8) {
     std::string elf = ReadFile(DATA + "little64.elf");

@@ -24,6 +24,8 @@ void CProgram::Add(CBytePool& pool, std::uint64_t address, std::string_view byte
 
 void CProgram::Arrange(const CWarn& warn) {
     const auto byAddress = [](const auto& a, const auto& b) { return a.m_Address < b.m_Address; };
+    const auto isEmpty = [](const CExtent& extent) { return extent.m_Size == 0; };
+    m_Extents.erase(std::remove_if(m_Extents.begin(), m_Extents.end(), isEmpty), m_Extents.end());
     std::stable_sort(m_Extents.begin(), m_Extents.end(), byAddress);
     if (m_Sections.empty()) {
         for (const CExtent& extent : m_Extents) {

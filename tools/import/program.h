@@ -58,10 +58,10 @@ public:
     /// Appends bytes to the source, which is a CBytePool, and to the last extent when they follow it.
     void Add(CBytePool& pool, std::uint64_t address, std::string_view bytes);
 
-    /// Sorts extents and sections by address; without sections, each extent becomes one that has no name. Zeros that
-    /// overlap another section are left out, with a warning: where a program is loaded is not where its zeros will be
-    /// if it copies itself. Throws std::runtime_error when other sections overlap, when there are none, or when
-    /// addresses need more than 64 bits.
+    /// Sorts extents and sections by address and drops empty extents; without sections, each extent becomes one that
+    /// has no name. Zeros that overlap another section are left out, with a warning: where a program is loaded is not
+    /// where its zeros will be if it copies itself. Throws std::runtime_error when other sections overlap, when there
+    /// are none, or when addresses need more than 64 bits.
     void Arrange(const CWarn& warn);
     /// Stores the bytes from the address on, after Arrange.
     void Read(std::uint64_t address, char* to, std::size_t count) const;
