@@ -21,9 +21,14 @@ constexpr int MOST_BITS = 1024; // of a memory's cell
 
 class CChecker {
 public:
-    CChecker(const ObjectFile::CObjectFile& image, const SOptions& options)
+    /// `warnings` are those of an import.
+    CChecker(const ObjectFile::CObjectFile& image, const SOptions& options, const std::vector<std::string>& warnings)
         : m_Image(image), m_Options(options),
-          m_Table({{"Finding", "severity"}, {"Section", "section"}, {"What", "text"}}) {}
+          m_Table({{"Finding", "severity"}, {"Section", "section"}, {"What", "text"}}) {
+        for (const std::string& text : warnings) {
+            Warn("", text);
+        }
+    }
 
     void Run() {
         for (int i = 0; i < m_Image.SectionsCount(); ++i) {
@@ -157,8 +162,9 @@ private:
 } // namespace
 
 int RunCheck(const SOptions& options) {
-    const auto image = LoadImage(options.m_File);
-    CChecker checker(*image, options);
+    std::vector<std::string> warnings;
+    const auto image = LoadImage(options, [&](const std::string& text) { warnings.push_back(text); });
+    CChecker checker(*image, options, warnings);
     {
         const CProgress progress("checking " + options.m_File, CProgress::READING, 0);
         checker.Run();

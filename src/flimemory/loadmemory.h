@@ -15,6 +15,9 @@
 namespace marlune::foreign {
 
 /// Copies section contents into a storage's cells. LAUs in packed form go as numbers, any other as the text that it is.
+///
+/// TStorage offers what CStorage does: the type CWord, the members m_Name, m_ByteBitWidth and m_Size (to LoadMemory
+/// only), and Write, WriteNumbers, FillZero and NumbersFrom.
 template <typename TStorage>
 class CUnitCopier {
 public:
@@ -48,8 +51,8 @@ private:
             m_Storage.FillZero(cell, static_cast<std::uint32_t>(count));
             return count;
         }
-        if (m_Storage.m_Words64 != nullptr) {
-            return m_Data.CopyBytes(index, m_Step, count, m_Reversed, &m_Storage.m_Words64[cell]);
+        if (std::uint64_t* const numbers = m_Storage.NumbersFrom(cell)) {
+            return m_Data.CopyBytes(index, m_Step, count, m_Reversed, numbers);
         }
         const int copied = m_Data.CopyBytes(index, m_Step, std::min(count, NUMBERS), m_Reversed, m_Numbers.data());
         m_Storage.WriteNumbers(cell, m_Numbers.data(), static_cast<std::uint32_t>(copied));

@@ -54,6 +54,9 @@ public:
         }
     }
 
+    /// The cells from the first on where they are numbers, else null.
+    std::uint64_t* NumbersFrom(std::uint32_t first) { return HoldsNumbers() ? &m_Words64[first] : nullptr; }
+
     /// Calls visit(address, word) for each cell that is present from the first to the last address, in their order.
     /// Dense memories have all their cells.
     template <typename TVisitor>
