@@ -119,7 +119,7 @@ std::optional<unsigned> CVpiHost::FindNumber(vpiHandle /*scope*/, const char* /*
     return std::nullopt;
 }
 
-void CVpiHost::ListPorts(vpiHandle scope, mtiRegionIdTag& region) const {
+void CVpiHost::ListPorts(vpiHandle scope, mtiRegionIdTag& region) {
     for (const CVpiPort& port : GetPorts(scope)) {
         const int width = WidthOf(port.m_Object);
         if (width == 0) {
@@ -128,7 +128,7 @@ void CVpiHost::ListPorts(vpiHandle scope, mtiRegionIdTag& region) const {
         mtiSignalIdTag& signal = vpi_get(vpiVector, port.m_Object) != 0
                                      ? region.m_Signals.emplace_back(port.m_Name, width)
                                      : region.m_Signals.emplace_back(port.m_Name);
-        signal.m_Value = std::make_unique<CVpiSignal>(port.m_Object, width, m_Literals);
+        signal.m_Value = &m_Signals.emplace_back(port.m_Object, width, m_Literals);
     }
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "bridge/core/simulation.h"
+#include "bridge/vpi/signal.h"
 #include "bridge/vpi/vpi.h"
 
 namespace marlune::bridge {
@@ -69,7 +70,7 @@ private:
 
     void ElaborateScope(vpiHandle scope);
     void ElaborateInstance(vpiHandle scope, const std::string& foreignText);
-    void ListPorts(vpiHandle scope, mtiRegionIdTag& region) const;
+    void ListPorts(vpiHandle scope, mtiRegionIdTag& region);
 
     // An event marks the process; a marked one is not marked again. All marks are taken off together in one callback.
     static PLI_INT32 WakeProcess(t_cb_data* data);
@@ -82,6 +83,7 @@ private:
     ERun m_Run;
     PLI_INT32 m_ReleaseReason;
     t_vpi_time m_Now{vpiSimTime, 0, 0, 0}; // a delay of 0; here because GHDL keeps its address
+    std::deque<CVpiSignal> m_Signals; // of all instances
     std::deque<CVpiProcess> m_Processes;
     std::vector<CVpiProcess*> m_Marked, m_Released;
 };
