@@ -67,7 +67,8 @@ begin
     variable outputs : std_logic_vector(47 downto 0);
     variable changed : boolean;
   begin
-    wake(memory, now, CLK, a_RE0 & a_RA0 & b_RE0 & b_RA0 & c_WE0 & c_WA0 & c_D0 & d_CS0 & d_WE0 & d_A0 & d_D0, outputs, changed);
+    wake(memory, now, CLK, a_RE0 & a_RA0 & b_RE0 & b_RA0 & c_WE0 & c_WA0 & c_D0 & d_CS0 & d_WE0 & d_A0 & d_D0,
+      outputs, changed);
     if changed then
       (a_Q0, b_Q0, d_Q0) <= outputs;
     end if;

@@ -45,7 +45,9 @@ architecture test of memory_tb is
 
 begin
 
+  -- Its address ports reach twice as far as its cells: the test ends with accesses out of range.
   dense_memory : entity work.marlune_memory
+    generic map (ADDRESS_BITS => 11, DATA_BITS => 32, PARAMETERS => "0 32 1024")
     port map (clk,
               '0', std_logic_vector(dense.read_address(10 downto 0)), dense_q,
               dense.enable, std_logic_vector(dense.write_address(10 downto 0)), dense.data(31 downto 0));
