@@ -5,7 +5,6 @@
 //
 // An error (no such memory, an image that cannot be loaded or does not fit) ends the simulation with its text. An address
 // at or beyond a memory's size is told in the transcript; a read then gives 0 and a write does nothing.
-/* verilator lint_off TIMESCALEMOD */ // a test bench has a timescale or none
 package marlune_dpi;
 
   // Wide enough for every memory. A memory of fewer bits uses the low ones.
@@ -82,11 +81,15 @@ endpackage
 // The part of a memory module that is the same for all port groups; marlune_memory.sv and its copies instantiate it. It
 // serves the ports by direct calls, with any simulator that has DPI.
 //
-// PORTS are the names of all ports but CLK, each followed by a blank. WIDTHS are their widths in bits, 32 bits each.
-// `inputs` and `outputs` are their values. Each of the three begins with an element that does not count, in the most
-// significant bits, and goes on in the order of PORTS.
+// PARAMETERS are "mode width cells", and "" makes them of MODE, DATA_BITS and ADDRESS_BITS.
+//
+// PORTS are the names of all ports but CLK, each followed by a blank. WIDTHS are their widths in bits, 32 bits each, after
+// 32 bits of 0. `inputs` and `outputs` are their values. All begin with the first port.
 module marlune_ports #(
-    parameter string PARAMETERS = "",
+    parameter PARAMETERS = "",
+    parameter MODE = 0,
+    parameter DATA_BITS = 32,
+    parameter ADDRESS_BITS = 10,
     parameter PORTS = "",
     parameter WIDTHS = 32'd0,
     parameter INPUT_BITS = 1,
@@ -98,7 +101,8 @@ module marlune_ports #(
 );
 
   import "DPI-C" function chandle marlune_sv_open(
-      input string scope, input string parameters, input string ports, input bit [$bits(WIDTHS)-1:0] widths);
+      input string scope, input string parameters, input int unsigned mode, input int unsigned data_bits,
+      input int unsigned address_bits, input string ports, input bit [$bits(WIDTHS)-1:0] widths);
   import "DPI-C" function longint unsigned marlune_sv_rise(
       input chandle memory, input real now, output bit [OUTPUT_BITS-1:0] outputs);
   import "DPI-C" function int unsigned marlune_sv_inputs(
@@ -107,7 +111,7 @@ module marlune_ports #(
       input chandle memory, input real now, input bit clk, output bit [OUTPUT_BITS-1:0] outputs);
 
   // Here and not in an initial block: a test bench may load the memory in one of its own.
-  chandle memory = marlune_sv_open($sformatf("%m"), PARAMETERS, PORTS, WIDTHS);
+  chandle memory = marlune_sv_open($sformatf("%m"), PARAMETERS, MODE, DATA_BITS, ADDRESS_BITS, PORTS, WIDTHS);
 
   bit [OUTPUT_BITS-1:0] at_rise, at_look, risen, looked;
   longint unsigned rise_stamp, look_stamp, rise, look;

@@ -3,11 +3,11 @@
 //
 // For other ports copy this file, and change the module's name, its ports and the list below them. marlune_memory.vhd
 // has the rules of port names.
-/* verilator lint_off TIMESCALEMOD */ // a test bench has a timescale or none
 module marlune_memory #(
     parameter ADDRESS_BITS = 10,
     parameter DATA_BITS = 32,
-    parameter string PARAMETERS = "0 32 1024"
+    parameter PARAMETERS = "",  // "mode width cells"; empty: from MODE and the widths above
+    parameter MODE = 0          // 0: a read drives Q0 at its own edge; 1: one edge later
 ) (
     input                     CLK,
     input                     r_RE0,
@@ -70,6 +70,7 @@ module marlune_memory #(
 `undef MARLUNE_OUTPUT
 `undef MARLUNE_PORTS
 
-  marlune_ports #(PARAMETERS, NAMES, WIDTHS, INPUT_BITS, OUTPUT_BITS) memory (CLK, inputs, outputs);
+  marlune_ports #(PARAMETERS, MODE, DATA_BITS, ADDRESS_BITS, NAMES, WIDTHS, INPUT_BITS, OUTPUT_BITS)
+      memory (CLK, inputs, outputs);
 
 endmodule

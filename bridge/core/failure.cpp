@@ -7,6 +7,8 @@ namespace marlune::bridge {
 
 namespace {
 
+bool g_HasFailed = false;
+
 void Print(const char* kind, const std::string& path, const std::string& text) {
     const std::string line = kind + (path.empty() ? "" : "'" + path + "': ") + text + "\n";
     std::fflush(nullptr); // the simulator's own output first
@@ -25,7 +27,15 @@ void PrintWarning(const std::string& path, const std::string& text) {
 
 void Stop() {
     std::fflush(nullptr);
+    if (g_HasFailed) { // in a handler, which must not call exit again
+        std::_Exit(EXIT_FAILURE);
+    }
+    g_HasFailed = true;
     std::exit(EXIT_FAILURE);
+}
+
+bool HasFailed() {
+    return g_HasFailed;
 }
 
 void Fail(const std::string& path, const std::string& text) {

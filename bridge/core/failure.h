@@ -13,8 +13,11 @@ void PrintError(const std::string& path, const std::string& text);
 void PrintWarning(const std::string& path, const std::string& text);
 
 /// Ends the simulation with exit status 1. The process ends at once: through VPI, GHDL cannot be stopped and Icarus
-/// would exit with status 0.
+/// would exit with status 0. Handlers for the end of the process run.
 [[noreturn]] void Stop();
+
+/// Whether Stop has been called.
+bool HasFailed();
 
 /// PrintError, then Stop.
 [[noreturn]] void Fail(const std::string& path, const std::string& text);

@@ -27,4 +27,11 @@ std::optional<CForeignText> ParseForeignText(std::string_view text) {
                         std::string(Trim(text.substr(semicolon + 1)))};
 }
 
+std::string DefaultParameters(unsigned mode, unsigned dataBits, unsigned addressBits) {
+    constexpr unsigned MOST_ADDRESS_BITS = 32;
+    constexpr unsigned SPARSE_SIZE = 0xFFFFFFFF;
+    const unsigned cells = addressBits < MOST_ADDRESS_BITS ? 1U << addressBits : SPARSE_SIZE;
+    return std::to_string(mode) + " " + std::to_string(dataBits) + " " + std::to_string(cells);
+}
+
 } // namespace marlune::bridge

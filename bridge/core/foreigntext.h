@@ -18,6 +18,10 @@ struct CForeignText {
 /// Nothing when the text is of another form. The parameters may be empty and are not looked at.
 std::optional<CForeignText> ParseForeignText(std::string_view text);
 
+/// The parameters of a memory that gives none: as wide as its data ports and as large as its addresses reach, which
+/// makes it sparse from 32 bits on. Widths in bits.
+std::string DefaultParameters(unsigned mode, unsigned dataBits, unsigned addressBits);
+
 } // namespace marlune::bridge
 
 #endif

@@ -4,6 +4,7 @@
 
 #include <deque>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bridge/core/signal.h"
@@ -22,6 +23,8 @@ struct mtiRegionIdTag {
 
     /// The path as messages show it, "tb.memory" or "tb/memory".
     std::string m_Path;
+    std::string m_Parameters;
+    bool m_IsMemory = false;              // of our own memory library
     std::deque<mtiSignalIdTag> m_Signals; // the ports, in the entity's order
     std::vector<mtiInterfaceListT> m_Ports;
     std::deque<mtiProcessIdTag> m_Processes;

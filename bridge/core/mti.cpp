@@ -10,6 +10,7 @@
 #include <strings.h>
 
 #include "bridge/core/failure.h"
+#include "bridge/core/instancereport.h"
 #include "bridge/core/simulation.h"
 
 using marlune::bridge::GetSimulation;
@@ -19,6 +20,21 @@ namespace {
 /// Ends the simulation; the message names the instance that is being elaborated or runs.
 [[noreturn]] void Fail(const std::string& text) {
     marlune::bridge::Fail(marlune::bridge::GetCurrentPath(), text);
+}
+
+/// What is to be said after some of the memory library's messages, on a line of its own; or nothing.
+std::string Explain(std::string_view message) {
+    constexpr std::string_view LITERAL = "include/number_cast(";
+    constexpr std::string_view NO_MEMORY = "General error: Cannot find memory object with name '";
+    if (message.substr(0, LITERAL.size()) == LITERAL && marlune::bridge::g_Current != nullptr) {
+        return "\n  " + marlune::bridge::DescribeWrongParameter(marlune::bridge::g_Current->m_Parameters);
+    }
+    if (message.substr(0, NO_MEMORY.size()) == NO_MEMORY) {
+        message.remove_prefix(NO_MEMORY.size());
+        const std::string name(message.substr(0, message.rfind('\'')));
+        return "\n  " + marlune::bridge::DescribeClosest(GetSimulation().GetInstances(), name);
+    }
+    return "";
 }
 
 /// The value of a signal that the simulator holds.
@@ -164,8 +180,8 @@ void mti_Command(const char* command) {
     constexpr std::string_view SET = "set MTI_ERROR_MSG \"";
     const std::string_view text = command;
     if (text.substr(0, SET.size()) == SET) {
-        marlune::bridge::PrintError(marlune::bridge::GetCurrentPath(),
-                                    std::string(text.substr(SET.size(), text.rfind('"') - SET.size())));
+        const std::string message(text.substr(SET.size(), text.rfind('"') - SET.size()));
+        marlune::bridge::PrintError(marlune::bridge::GetCurrentPath(), message + Explain(message));
     } else if (text.substr(0, DECLARE.size()) != DECLARE) {
         Fail("mti_Command: there is no Tcl to run '" + std::string(text) + "'.");
     }

@@ -2,10 +2,8 @@
 #ifndef MARLUNE_BRIDGE_CORE_SIGNAL_H
 #define MARLUNE_BRIDGE_CORE_SIGNAL_H
 
-#include <memory>
 #include <string>
 #include <type_traits>
-#include <utility>
 
 #include "mti.h"
 #include "src/flimemory/direct.h"
@@ -51,8 +49,8 @@ struct mtiSignalIdTag {
     marlune_direct_signal m_Place{}; // for the memory library: where a directly served instance has its value
     std::string m_Name;
     mtiTypeIdTag m_Type;
-    std::unique_ptr<marlune::bridge::CSignalValue> m_Value; // null for a directly served instance
-    bool m_IsUsed = false;                                  // a process is sensitive to it, or it has a driver
+    marlune::bridge::CSignalValue* m_Value = nullptr; // null for a directly served instance; the host owns it
+    bool m_IsUsed = false;                            // a process is sensitive to it, or it has a driver
 };
 
 static_assert(std::is_standard_layout_v<mtiSignalIdTag>, "a signal's address must be that of its m_Place");

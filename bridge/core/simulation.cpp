@@ -1,7 +1,15 @@
 #include "bridge/core/simulation.h"
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+
+#include "bridge/core/failure.h"
+#include "bridge/core/instancereport.h"
+#include "bridge/core/testbench.h"
+#include "src/flimemory/direct.h"
+#include "src/flimemory/flimemory.h"
+#include "src/flimemory/projectname.h"
 
 namespace marlune::bridge {
 
@@ -20,12 +28,15 @@ void CHost::Print(const char* text) const {
     std::fputs(text, stdout);
 }
 
-/// However the run ends, the libraries release what they hold.
-CSimulation::CSimulation() : m_Host(std::make_unique<CHost>()) {
+/// However the run ends, the libraries release what they hold, and what is wanted at the end is written.
+CSimulation::CSimulation() : m_Host(std::make_unique<CHost>()), m_Options(ReadCommandLine()) {
     std::atexit([] { GetSimulation().Quit(); });
+    if (!m_Options.m_Dumps.empty()) { // Verilator ends a test bench's $fatal by abort
+        std::signal(SIGABRT, [](int) { GetSimulation().Quit(); });
+    }
 }
 
-void CSimulation::Elaborate(mtiRegionIdTag& region, CInitFunction init, std::string parameters) {
+void CSimulation::Elaborate(mtiRegionIdTag& region, CInitFunction init, const std::string& parameters) {
     for (mtiSignalIdTag& signal : region.m_Signals) {
         mtiInterfaceListT entry{};
         entry.name = signal.m_Name.data();
@@ -36,9 +47,60 @@ void CSimulation::Elaborate(mtiRegionIdTag& region, CInitFunction init, std::str
     for (std::size_t next = 1; next < region.m_Ports.size(); ++next) {
         region.m_Ports[next - 1].nxt = &region.m_Ports[next];
     }
+    region.m_Parameters = parameters;
+    region.m_IsMemory = init == marlune_fli_memory_init;
+    if (region.m_IsMemory) {
+        CheckWidth(region);
+    }
+    std::string text = parameters; // the interface has writable texts
     g_Current = &region;
-    init(&region, parameters.data(), nullptr, region.m_Ports.data());
+    init(&region, text.data(), nullptr, region.m_Ports.data());
     g_Current = nullptr;
+    if (region.m_IsMemory) {
+        WarnOfUnusedPorts(region);
+        LoadFromCommandLine(region);
+    }
+}
+
+void CSimulation::LoadFromCommandLine(mtiRegionIdTag& region) {
+    g_Current = &region;
+    for (CLoadOption& option : m_Options.m_Loads) {
+        if (option.m_IsDone || FindInstance(option.m_Path) != &region) {
+            continue;
+        }
+        option.m_IsDone = true;
+        if (!option.m_AddressSpace) {
+            const char* space = marlune_direct_only_space(option.m_File.c_str());
+            if (space == nullptr) {
+                Fail(region.m_Path, "+marlune_load: '" + option.m_File +
+                                        "' does not have just one address space to load: name one after the file.");
+            }
+            option.m_AddressSpace = space;
+        }
+        Load(option.m_Path, option.m_File, *option.m_AddressSpace, option.m_Base, option.m_Bank, option.m_Banks);
+    }
+    g_Current = nullptr;
+}
+
+void CSimulation::Start() {
+    m_IsStarted = true;
+    const auto requireInstance = [this](const std::string& path) {
+        if (FindInstance(path) == nullptr) {
+            Fail("", "There is no memory '" + path + "', which the command line names. " +
+                         DescribeClosest(m_Regions, FixProjectName(path)));
+        }
+    };
+    for (const CLoadOption& option : m_Options.m_Loads) {
+        requireInstance(option.m_Path);
+    }
+    for (const CDumpOption& option : m_Options.m_Dumps) {
+        requireInstance(option.m_Path);
+    }
+    if (m_Options.m_IsListWanted) {
+        for (const mtiRegionIdTag& region : m_Regions) {
+            m_Host->Print((DescribeInstance(region) + "\n").c_str());
+        }
+    }
 }
 
 void CSimulation::Run(const mtiProcessIdTag& process) {
@@ -60,9 +122,19 @@ void CSimulation::AddQuitCallback(mtiVoidFuncPtrT function, void* argument) {
 }
 
 void CSimulation::Quit() {
-    const std::vector<CCallback> callbacks = std::move(m_QuitCallbacks);
-    m_QuitCallbacks.clear();
-    for (const CCallback& callback : callbacks) {
+    if (m_HasQuit) {
+        return;
+    }
+    m_HasQuit = true;
+    if (!m_IsStarted && !HasFailed()) { // nothing ever ran
+        Start();
+    }
+    for (const CDumpOption& option : m_Options.m_Dumps) {
+        if (FindInstance(option.m_Path) != nullptr) {
+            Dump(option.m_Path, option.m_File, option.m_First, option.m_Last);
+        }
+    }
+    for (const CCallback& callback : m_QuitCallbacks) {
         callback.m_Function(callback.m_Argument);
     }
 }

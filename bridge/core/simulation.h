@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "bridge/core/commandline.h"
 #include "bridge/core/instance.h"
 #include "mti.h"
 
@@ -47,8 +48,13 @@ public:
 
     std::deque<mtiRegionIdTag>& GetInstances() { return m_Regions; }
 
-    /// Elaborates an instance with its ports. An error ends the simulation.
-    void Elaborate(mtiRegionIdTag& region, CInitFunction init, std::string parameters);
+    /// Elaborates an instance with its ports, and loads what the command line wants in it. An error ends the
+    /// simulation.
+    void Elaborate(mtiRegionIdTag& region, CInitFunction init, const std::string& parameters);
+
+    /// All instances have been elaborated, and none has run. Does what the command line wants to be done then.
+    void Start();
+    bool IsStarted() const { return m_IsStarted; }
 
     /// Runs a process.
     void Run(const mtiProcessIdTag& process);
@@ -57,10 +63,12 @@ public:
     mtiDriverIdT CreateDriver(mtiSignalIdT signal);
     void AddQuitCallback(mtiVoidFuncPtrT function, void* argument);
 
-    /// Runs the quit callbacks, once.
+    /// Writes what the command line wants to be written at the end and runs the quit callbacks, once.
     void Quit();
 
 private:
+    void LoadFromCommandLine(mtiRegionIdTag& region);
+
     struct CCallback {
         mtiVoidFuncPtrT m_Function;
         void* m_Argument;
@@ -70,6 +78,9 @@ private:
     std::deque<mtiRegionIdTag> m_Regions;
     std::deque<mtiDriverIdTag> m_Drivers;
     std::vector<CCallback> m_QuitCallbacks;
+    COptions m_Options;
+    bool m_IsStarted = false;
+    bool m_HasQuit = false;
 };
 
 /// The one simulation of the process: the simulator's callbacks and the functions of the interface have no other way to

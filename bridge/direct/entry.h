@@ -5,6 +5,7 @@
 #include <exception>
 
 #include "bridge/core/failure.h"
+#include "bridge/core/simulation.h"
 
 namespace marlune::bridge {
 
@@ -15,6 +16,14 @@ auto RunEntry(TBody&& body) {
         return body();
     } catch (const std::exception& error) {
         Fail("", error.what());
+    }
+}
+
+/// To be called when an instance runs, before which all instances have been elaborated.
+inline void StartOnce() {
+    static CSimulation& simulation = GetSimulation();
+    if (!simulation.IsStarted()) {
+        simulation.Start();
     }
 }
 

@@ -7,9 +7,12 @@
 #include <vector>
 
 #include "bridge/core/failure.h"
+#include "bridge/core/foreigntext.h"
+#include "bridge/core/testbench.h"
 #include "bridge/direct/entry.h"
 #include "bridge/direct/instance.h"
 #include "src/flimemory/direct.h"
+#include "src/flimemory/flimemory.h"
 
 namespace marlune::bridge {
 
@@ -154,16 +157,27 @@ using namespace marlune::bridge; // NOLINT(google-build-using-namespace): the en
 
 extern "C" {
 
-/// Elaborates the memory of a scope. The handle is valid to the end of the run.
-void* marlune_sv_open(const char* scope, const char* parameters, const char* names, const std::uint32_t* widths) {
+/// Elaborates the memory of a scope; without parameters it gets those that follow from the numbers. The handle is valid
+/// to the end of the run.
+void* marlune_sv_open(const char* scope, const char* parameters, unsigned mode, unsigned dataBits, unsigned addressBits,
+                      const char* names, const std::uint32_t* widths) {
     return RunEntry([&]() -> void* {
         static std::deque<CSvInstance> instances;
-        return &instances.emplace_back(PathOfScope(scope), parameters, PortsOf(names, widths));
+        const std::string text = *parameters != '\0' ? parameters : DefaultParameters(mode, dataBits, addressBits);
+        return &instances.emplace_back(PathOfScope(scope), text, PortsOf(names, widths));
     });
+}
+
+/// Loads an image; takes the place of the memory library's function, which does not warn if nothing is loaded.
+void marlune_dpi_memory_init(char const* name, char const* fileName, char const* addressSpace, unsigned int cellBase,
+                             unsigned int lowAddress, unsigned int highAddress, unsigned int phase,
+                             unsigned int stride) {
+    LoadByName(name, fileName, addressSpace, cellBase, lowAddress, highAddress, phase, stride);
 }
 
 /// CLK rises. Writes the outputs; returns their stamp.
 std::uint64_t marlune_sv_rise(void* memory, double now, std::uint32_t* outputs) {
+    StartOnce();
     InstanceOf(memory).Rise(TimeOf(now));
     return InstanceOf(memory).GetOutputs(outputs);
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "bridge/core/failure.h"
+#include "bridge/core/foreigntext.h"
 #include "bridge/core/testbench.h"
 #include "bridge/direct/entry.h"
 #include "bridge/direct/instance.h"
@@ -158,10 +159,17 @@ using namespace marlune::bridge; // NOLINT(google-build-using-namespace): the en
 
 extern "C" {
 
-/// Elaborates the memory whose clock has this path. Returns its number.
-std::int32_t marlune_vhdl_open(const CVhdlArray* clockPath, const CVhdlArray* parameters, const CVhdlArray* ports) {
+/// Elaborates the memory whose clock has this path; without parameters it gets those that follow from the numbers.
+/// Returns its number.
+std::int32_t marlune_vhdl_open(const CVhdlArray* clockPath, const CVhdlArray* parameters, std::int32_t mode,
+                               std::int32_t dataBits, std::int32_t addressBits, const CVhdlArray* ports) {
     return RunEntry([&] {
-        g_Instances.emplace_back(PathOfPort(clockPath->GetText()), parameters->GetText(), PortsOf(ports->GetText()));
+        std::string text = parameters->GetText();
+        if (text.empty()) {
+            text = DefaultParameters(static_cast<unsigned>(mode), static_cast<unsigned>(dataBits),
+                                     static_cast<unsigned>(addressBits));
+        }
+        g_Instances.emplace_back(PathOfPort(clockPath->GetText()), text, PortsOf(ports->GetText()));
         return static_cast<std::int32_t>(g_Instances.size() - 1);
     });
 }
@@ -170,6 +178,7 @@ std::int32_t marlune_vhdl_open(const CVhdlArray* clockPath, const CVhdlArray* pa
 void marlune_vhdl_wake(std::int32_t memory, std::int64_t now, unsigned char clock, const CVhdlArray* inputs,
                        const CVhdlArray* outputs, unsigned char* changed) {
     RunEntry([&] {
+        StartOnce();
         CVhdlInstance& instance = g_Instances[static_cast<std::size_t>(memory)];
         *changed = instance.Wake(now, clock == marlune::fli::POSITION_1, *inputs, *outputs) ? 1 : 0;
     });

@@ -30,7 +30,7 @@ class CGhdl : public CVpiHost {
 public:
     // A process runs in the callback of its first event in a delta: all signals have their new values by then. A delay
     // of 0 ends at the start of the next delta, ahead of its events, so that there is one run for each delta.
-    CGhdl() : CVpiHost("UX01ZWLH-", ERun::WHEN_MARKED, cbAfterDelay) {}
+    CGhdl() : CVpiHost("UX01ZWLH-", '/', ERun::WHEN_MARKED, cbAfterDelay) {}
 
     std::vector<vpiHandle> GetScopes(vpiHandle scope) const override {
         return GetObjects(scope == nullptr ? vpiModule : vpiInternalScope, scope);
@@ -51,6 +51,8 @@ public:
         }
         return ports;
     }
+
+    void MarkServed(vpiHandle scope) const override { PutOne(FindObject(vpiNet, scope, SERVED_OBJECT)); }
 };
 
 } // namespace

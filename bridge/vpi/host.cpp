@@ -64,6 +64,14 @@ vpiHandle FindObject(PLI_INT32 type, vpiHandle scope, const std::string& name) {
     return nullptr;
 }
 
+void PutOne(vpiHandle object) {
+    if (object != nullptr) {
+        char one[] = "1";
+        t_vpi_value value{vpiBinStrVal, {one}};
+        vpi_put_value(object, &value, nullptr, vpiNoDelay);
+    }
+}
+
 mtiInt32T CVpiHost::Now() const {
     t_vpi_time now{vpiSimTime, 0, 0, 0};
     vpi_get_time(nullptr, &now);
@@ -86,19 +94,32 @@ void CVpiHost::ElaborateScope(vpiHandle scope) {
 
 void CVpiHost::ElaborateInstance(vpiHandle scope, const std::string& foreignText) {
     std::string path = GetText(vpiFullName, scope);
-    std::replace(path.begin(), path.end(), '.', '/');
+    std::replace(path.begin(), path.end(), '.', m_Separator);
     auto foreign = ParseForeignText(foreignText);
     if (!foreign) {
         Fail(path,
              "The foreign attribute '" + foreignText + "' is not of the form 'init_function library; parameters'.");
     }
+    if (foreign->m_Parameters.empty()) {
+        const auto mode = FindNumber(scope, "MODE");
+        const auto dataBits = FindNumber(scope, "DATA_BITS");
+        const auto addressBits = FindNumber(scope, "ADDRESS_BITS");
+        if (mode && dataBits && addressBits) {
+            foreign->m_Parameters = DefaultParameters(*mode, *dataBits, *addressBits);
+        }
+    }
     mtiRegionIdTag& region = GetSimulation().AddInstance(path);
     ListPorts(scope, region);
     const CInitFunction init = FindInitFunction(foreign->m_Library, foreign->m_Function, path);
     GetSimulation().Elaborate(region, init, foreign->m_Parameters);
+    MarkServed(scope);
 }
 
-void CVpiHost::ListPorts(vpiHandle scope, mtiRegionIdTag& region) const {
+std::optional<unsigned> CVpiHost::FindNumber(vpiHandle /*scope*/, const char* /*name*/) const {
+    return std::nullopt;
+}
+
+void CVpiHost::ListPorts(vpiHandle scope, mtiRegionIdTag& region) {
     for (const CVpiPort& port : GetPorts(scope)) {
         const int width = WidthOf(port.m_Object);
         if (width == 0) {
@@ -107,7 +128,7 @@ void CVpiHost::ListPorts(vpiHandle scope, mtiRegionIdTag& region) const {
         mtiSignalIdTag& signal = vpi_get(vpiVector, port.m_Object) != 0
                                      ? region.m_Signals.emplace_back(port.m_Name, width)
                                      : region.m_Signals.emplace_back(port.m_Name);
-        signal.m_Value = std::make_unique<CVpiSignal>(port.m_Object, width, m_Literals);
+        signal.m_Value = &m_Signals.emplace_back(port.m_Object, width, m_Literals);
     }
 }
 

@@ -9,12 +9,16 @@
 #include <vector>
 
 #include "bridge/core/simulation.h"
+#include "bridge/vpi/signal.h"
 #include "bridge/vpi/vpi.h"
 
 namespace marlune::bridge {
 
 /// The object of an instance whose value is the text of its foreign attribute.
 constexpr const char* FOREIGN_OBJECT = "MARLUNE_FOREIGN";
+
+/// The object of an instance that is 1 once the instance has been elaborated. Its module ends the simulation otherwise.
+constexpr const char* SERVED_OBJECT = "MARLUNE_SERVED";
 
 /// A port of an instance: the net or variable inside of it.
 struct CVpiPort {
@@ -36,10 +40,10 @@ public:
 protected:
     enum class ERun { WHEN_MARKED, WHEN_RELEASED };
 
-    /// `literals` are the characters that write the positions of the nine values, in their order; `release` is the
-    /// reason of the callback that takes off the marks.
-    CVpiHost(const char* literals, ERun run, PLI_INT32 release)
-        : m_Literals(literals), m_Run(run), m_ReleaseReason(release) {}
+    /// `literals` are the characters that write the positions of the nine values, in their order; `separator` stands
+    /// between the names of a path in messages; `release` is the reason of the callback that takes off the marks.
+    CVpiHost(const char* literals, char separator, ERun run, PLI_INT32 release)
+        : m_Literals(literals), m_Separator(separator), m_Run(run), m_ReleaseReason(release) {}
 
     /// The scopes directly inside a scope; the topmost ones for null.
     virtual std::vector<vpiHandle> GetScopes(vpiHandle scope) const = 0;
@@ -48,6 +52,12 @@ protected:
     virtual std::optional<std::string> FindForeignText(vpiHandle scope) const = 0;
 
     virtual std::vector<CVpiPort> GetPorts(vpiHandle scope) const = 0;
+
+    /// The value of a parameter of the scope that is a number; nothing when the simulator shows none of that name.
+    virtual std::optional<unsigned> FindNumber(vpiHandle scope, const char* name) const;
+
+    /// Sets the scope's own SERVED_OBJECT, if it has one.
+    virtual void MarkServed(vpiHandle scope) const = 0;
 
 private:
     /// A process of an instance, with its mark and the signals that it is sensitive to.
@@ -60,7 +70,7 @@ private:
 
     void ElaborateScope(vpiHandle scope);
     void ElaborateInstance(vpiHandle scope, const std::string& foreignText);
-    void ListPorts(vpiHandle scope, mtiRegionIdTag& region) const;
+    void ListPorts(vpiHandle scope, mtiRegionIdTag& region);
 
     // An event marks the process; a marked one is not marked again. All marks are taken off together in one callback.
     static PLI_INT32 WakeProcess(t_cb_data* data);
@@ -69,9 +79,11 @@ private:
     void Release();
 
     const char* m_Literals;
+    char m_Separator;
     ERun m_Run;
     PLI_INT32 m_ReleaseReason;
     t_vpi_time m_Now{vpiSimTime, 0, 0, 0}; // a delay of 0; here because GHDL keeps its address
+    std::deque<CVpiSignal> m_Signals; // of all instances
     std::deque<CVpiProcess> m_Processes;
     std::vector<CVpiProcess*> m_Marked, m_Released;
 };
@@ -84,6 +96,9 @@ std::unique_ptr<CVpiHost> MakeIcarus();
 
 /// A text property, copied: simulators use one buffer for all.
 std::string GetText(PLI_INT32 property, vpiHandle object);
+
+/// Assigns 1 to an object of one bit; null is left alone.
+void PutOne(vpiHandle object);
 
 /// All objects of a kind in a scope.
 std::vector<vpiHandle> GetObjects(PLI_INT32 type, vpiHandle scope);

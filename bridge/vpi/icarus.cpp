@@ -9,7 +9,7 @@ namespace {
 /// blocks. What they assign starts a new round of the same step.
 class CIcarus : public CVpiHost {
 public:
-    CIcarus() : CVpiHost("xx01zx01x", ERun::WHEN_RELEASED, cbReadWriteSynch) {}
+    CIcarus() : CVpiHost("xx01zx01x", '.', ERun::WHEN_RELEASED, cbReadWriteSynch) {}
 
     /// Modules and generate scopes: no other kind of scope holds instances.
     std::vector<vpiHandle> GetScopes(vpiHandle scope) const override {
@@ -50,6 +50,18 @@ public:
         }
         return ports;
     }
+
+    std::optional<unsigned> FindNumber(vpiHandle scope, const char* name) const override {
+        vpiHandle parameter = FindObject(vpiParameter, scope, name);
+        if (parameter == nullptr) {
+            return std::nullopt;
+        }
+        t_vpi_value value{vpiIntVal, {nullptr}};
+        vpi_get_value(parameter, &value);
+        return static_cast<unsigned>(value.value.integer);
+    }
+
+    void MarkServed(vpiHandle scope) const override { PutOne(FindObject(vpiReg, scope, SERVED_OBJECT)); }
 };
 
 } // namespace

@@ -1,23 +1,32 @@
 // What a simulator calls after it has loaded this library for VPI.
+#include <memory>
+#include <string>
+#include <utility>
+
 #include "bridge/core/failure.h"
 #include "bridge/vpi/host.h"
+#include "bridge/vpi/systemtasks.h"
 
 namespace marlune::bridge {
 
 namespace {
 
-/// The simulator has built the design.
-PLI_INT32 OnStart(t_cb_data* /*data*/) {
+std::string GetProduct() {
     t_vpi_vlog_info info{};
     vpi_get_vlog_info(&info);
-    const std::string product = info.product != nullptr ? info.product : "";
-    std::unique_ptr<CVpiHost> made = MakeVpiHost(product);
+    return info.product != nullptr ? info.product : "";
+}
+
+/// The simulator has built the design.
+PLI_INT32 OnStart(t_cb_data* /*data*/) {
+    std::unique_ptr<CVpiHost> made = MakeVpiHost(GetProduct());
     if (made == nullptr) {
-        Fail("", "The bridge does not know the simulator '" + product + "'.");
+        Fail("", "The bridge does not know the simulator '" + GetProduct() + "'.");
     }
     CVpiHost& host = *made;
     GetSimulation().SetHost(std::move(made));
     host.Elaborate();
+    GetSimulation().Start();
     return 0;
 }
 
@@ -26,7 +35,10 @@ PLI_INT32 OnEnd(t_cb_data* /*data*/) {
     return 0;
 }
 
-void RegisterCallbacks() {
+void Register() {
+    if (GetProduct() != "GHDL") { // where no design has system tasks
+        RegisterSystemTasks();
+    }
     t_cb_data start{cbStartOfSimulation, OnStart, nullptr, nullptr, nullptr, 0, nullptr};
     vpi_register_cb(&start);
     t_cb_data end{cbEndOfSimulation, OnEnd, nullptr, nullptr, nullptr, 0, nullptr};
@@ -39,5 +51,5 @@ void RegisterCallbacks() {
 
 extern "C" {
 extern void (*vlog_startup_routines[])();
-void (*vlog_startup_routines[])() = {marlune::bridge::RegisterCallbacks, nullptr};
+void (*vlog_startup_routines[])() = {marlune::bridge::Register, nullptr};
 }

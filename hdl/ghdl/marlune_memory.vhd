@@ -16,7 +16,8 @@ entity marlune_memory is
   generic (
     ADDRESS_BITS : positive := 10;
     DATA_BITS    : positive := 32;
-    PARAMETERS   : string := "0 32 1024");
+    PARAMETERS   : string := "";    -- "mode width cells"; empty: from MODE and the widths above
+    MODE         : natural := 0);   -- 0: a read drives Q0 at its own edge; 1: one edge later
   port (
     CLK   : in  std_logic;
     r_RE0 : in  std_logic;
@@ -31,7 +32,7 @@ architecture direct of marlune_memory is
 begin
 
   process (CLK, r_RA0, w_WE0, w_WA0, w_D0)
-    variable memory : integer := open_memory(CLK'path_name, PARAMETERS,
+    variable memory : integer := open_memory(CLK'path_name, PARAMETERS, MODE, DATA_BITS, ADDRESS_BITS,
       "r_RE0 r_RA0:" & integer'image(r_RA0'length) & " w_WE0 w_WA0:" & integer'image(w_WA0'length) &
       " w_D0:" & integer'image(w_D0'length) & " r_Q0:" & integer'image(r_Q0'length));
     variable outputs : std_logic_vector(r_Q0'length - 1 downto 0);

@@ -1,6 +1,8 @@
-/* Entry points of the library for simulators that hand over port values as vectors of bits. The simulator's side
- * elaborates an instance as ever, by marlune_fli_memory_init, binds it by marlune_direct_bind, and then calls
- * marlune_direct_wake in place of the instance's process. */
+/* Entry points of the library for our own simulator side.
+ *
+ * Where that hands over port values as vectors of bits, it elaborates an instance as ever, by marlune_fli_memory_init,
+ * binds it by marlune_direct_bind, and then calls marlune_direct_wake in place of the instance's process. The other
+ * functions answer what users ask about loads and contents. */
 #ifndef MARLUNE_FLIMEMORY_DIRECT_H
 #define MARLUNE_FLIMEMORY_DIRECT_H
 
@@ -44,6 +46,21 @@ enum marlune_direct_result {
 /// least significant first. Returns a marlune_direct_result.
 [[gnu::visibility("default")]] int marlune_direct_wake(void* process, uint32_t now, int clock, const uint64_t* inputs,
                                                        uint64_t* outputs);
+
+/// What was wrong with the last load by marlune_dpi_memory_init if it stored nothing, else null. The text is valid
+/// until the next call.
+[[gnu::visibility("default")]] const char* marlune_direct_load_warning(void);
+
+/// The name of the address space in the image if it has just one that can be loaded, else null. The image is read on
+/// first use. The text is valid until the next call.
+[[gnu::visibility("default")]] const char* marlune_direct_only_space(const char* file);
+
+/// Calls visit for each cell from the first to the last address, in their order, except for those of a sparse memory
+/// that were never accessed. The name is that of marlune_dpi_memory_read. A cell is given as 32 words of 32 bits, the
+/// least significant first.
+[[gnu::visibility("default")]] void
+marlune_direct_visit_cells(const char* name, uint32_t first, uint32_t last,
+                           void (*visit)(void* context, uint32_t address, const uint32_t* limbs), void* context);
 
 #ifdef __cplusplus
 }

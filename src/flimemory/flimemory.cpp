@@ -1,10 +1,13 @@
 #include "src/flimemory/flimemory.h"
 
+#include <array>
 #include <cstdint>
 #include <exception>
 #include <initializer_list>
 #include <map>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -13,6 +16,7 @@
 #include "objectfile/objectfile.h"
 #include "src/flimemory/direct.h"
 #include "src/flimemory/loadmemory.h"
+#include "src/flimemory/loadreport.h"
 #include "src/flimemory/logicvector.h"
 #include "src/flimemory/parameters.h"
 #include "src/flimemory/processinfo.h"
@@ -32,6 +36,9 @@ CStorageRegistry g_Storages;
 
 /// The loaded program images by file name, as passed.
 std::map<std::string, std::unique_ptr<const ObjectFile::CObjectFile>> g_Executables;
+
+/// The last load, for a question that may follow. It is forgotten with the image.
+std::optional<CPastLoad> g_LastLoad;
 
 /// The one way in which an error leaves the library: its text goes into the simulator's Tcl variable, as it is, and the
 /// simulation stops.
@@ -186,9 +193,46 @@ int marlune_direct_wake(void* process, uint32_t now, int clock, const uint64_t* 
     return result;
 }
 
+const char* marlune_direct_load_warning() {
+    static std::string text;
+    text.clear();
+    RunGuarded([&] {
+        if (g_LastLoad && marlune::foreign::HasStoredNothing(*g_LastLoad)) {
+            text = marlune::foreign::DescribeEmptyLoad(*g_LastLoad);
+        }
+    });
+    return text.empty() ? nullptr : text.c_str();
+}
+
+const char* marlune_direct_only_space(const char* file) {
+    static std::string name;
+    bool isOnly = false;
+    RunGuarded([&] {
+        const std::set<std::string> spaces =
+            marlune::foreign::LoadableSpaces(Executable(RequireNonNull(file, "File name")));
+        isOnly = spaces.size() == 1;
+        name = isOnly ? *spaces.begin() : "";
+    });
+    return isOnly ? name.c_str() : nullptr;
+}
+
+void marlune_direct_visit_cells(const char* name, uint32_t first, uint32_t last,
+                                void (*visit)(void* context, uint32_t address, const uint32_t* limbs), void* context) {
+    RunGuarded([&] {
+        StorageNamed(name).VisitCells(first, last, [&](std::uint32_t address, const CStorage::CWord& word) {
+            std::array<std::uint32_t, CStorage::CWord::LIMB_COUNT> limbs{};
+            for (unsigned i = 0; i < limbs.size(); ++i) {
+                limbs[i] = word.Limb(i);
+            }
+            visit(context, address, limbs.data());
+        });
+    });
+}
+
 void CleanCallback(void* param) {
     std::unique_ptr<CProcessInfo> process(static_cast<CProcessInfo*>(param));
     RunGuarded([&] {
+        g_LastLoad.reset();
         g_Executables.clear();
         const std::unique_ptr<CProcessInfo> released = std::move(process); // gone before an error is reported
         if (released != nullptr) {
@@ -206,6 +250,10 @@ void marlune_dpi_memory_init(char const* name, char const* fileName, char const*
         const ObjectFile::CObjectFile& image = Executable(RequireNonNull(fileName, "File name"));
         CStorage& storage = *GetStorage(InstanceOfMemory(memory));
         marlune::foreign::LoadMemory(storage, image, space, cellBase, lowAddress, highAddress, phase, stride, false);
+        g_LastLoad = {&image,
+                      space,
+                      {cellBase, lowAddress, highAddress, phase, stride},
+                      {storage.m_Name, storage.m_ByteBitWidth, storage.m_Size}};
     });
 }
 

@@ -1,18 +1,14 @@
 #include "src/flimemory/parameters.h"
 
 #include <algorithm>
-#include <vector>
 
 #include "general_error"
 #include "number_cast"
 
 namespace marlune::foreign::fli {
 
-namespace {
-
 using exceptions::CGeneralError;
 
-/// Splits at blanks; no argument is empty.
 std::vector<std::string> SplitArguments(const std::string& text) {
     std::vector<std::string> arguments;
     std::size_t begin = 0;
@@ -25,8 +21,6 @@ std::vector<std::string> SplitArguments(const std::string& text) {
     }
     return arguments;
 }
-
-} // namespace
 
 CParameters ParseParameters(const std::string& text) {
     constexpr std::size_t ARGUMENT_COUNT = 3;

@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <utility>
 
 #include "general_error"
 
@@ -80,6 +82,39 @@ void HandleRoles(CPortGroups<TPort>& ports, const std::string& prefix, const CRo
     }
 }
 
+/// Every port is tried for every role of its prefix: only the name's end is compared, so an "RA0" is an "A0" as well.
+std::tuple<CPortGroups<CReadPort>, CPortGroups<CWritePort>, CPortGroups<CSharedPort>>
+FindGroups(const mtiInterfaceListT* ports) {
+    std::tuple<CPortGroups<CReadPort>, CPortGroups<CWritePort>, CPortGroups<CSharedPort>> groups;
+    for (const mtiInterfaceListT* port = ports; port != nullptr; port = port->nxt) {
+        if (port->u.port == nullptr) {
+            continue;
+        }
+        const std::string prefix = PrefixOf(port->name);
+        HandleRoles(std::get<0>(groups), prefix, READ_ROLES, port);
+        HandleRoles(std::get<1>(groups), prefix, WRITE_ROLES, port);
+        HandleRoles(std::get<2>(groups), prefix, SHARED_ROLES, port);
+    }
+    return groups;
+}
+
+/// Adds the groups of which a port has been found.
+template <typename TPort, std::size_t COUNT>
+void Describe(const char* kind, const CPortGroups<TPort>& ports, const CRole<TPort> (&roles)[COUNT],
+              std::vector<CPortGroup>& groups) {
+    for (const auto& [prefix, port] : ports) {
+        CPortGroup group{kind, prefix, {}};
+        for (const CRole<TPort>& role : roles) {
+            if ((port.*role.m_Field).m_Handle == nullptr) {
+                group.m_Missing.push_back(role.m_Name);
+            }
+        }
+        if (group.m_Missing.size() < COUNT) {
+            groups.push_back(std::move(group));
+        }
+    }
+}
+
 using CPrefixes = std::set<std::string>;
 
 /// Drops incomplete groups, and adds the prefixes of the others to the set.
@@ -134,22 +169,13 @@ mtiSignalIdT FindClock(mtiInterfaceListT* ports) {
     return clock;
 }
 
-/// Every port is tried for every role of its prefix: only the name's end is compared, so an "RA0" is an "A0" as well.
+std::string PrefixOf(const std::string& name) {
+    const std::size_t separator = name.rfind('_');
+    return separator == std::string::npos ? "" : name.substr(0, separator);
+}
+
 CPorts GroupPorts(const mtiInterfaceListT* ports) {
-    CPortGroups<CReadPort> readPorts;
-    CPortGroups<CWritePort> writePorts;
-    CPortGroups<CSharedPort> sharedPorts;
-    for (const mtiInterfaceListT* port = ports; port != nullptr; port = port->nxt) {
-        if (port->u.port == nullptr) {
-            continue;
-        }
-        const std::string name = port->name;
-        const std::size_t separator = name.rfind('_');
-        const std::string prefix = separator == std::string::npos ? "" : name.substr(0, separator);
-        HandleRoles(readPorts, prefix, READ_ROLES, port);
-        HandleRoles(writePorts, prefix, WRITE_ROLES, port);
-        HandleRoles(sharedPorts, prefix, SHARED_ROLES, port);
-    }
+    auto [readPorts, writePorts, sharedPorts] = FindGroups(ports);
     CPrefixes readPrefixes;
     CPrefixes writePrefixes;
     DropIncomplete(readPorts, READ_ROLES, readPrefixes);
@@ -161,6 +187,17 @@ CPorts GroupPorts(const mtiInterfaceListT* ports) {
     NumberPrefixes(sharedPorts, &CSharedPort::m_ReadPrefix, readPrefixes);
     NumberPrefixes(sharedPorts, &CSharedPort::m_WritePrefix, writePrefixes);
     return {PortsOf(readPorts), PortsOf(writePorts), PortsOf(sharedPorts), readPrefixes.size(), writePrefixes.size()};
+}
+
+std::vector<CPortGroup> DescribeGroups(const mtiInterfaceListT* ports) {
+    const auto [readPorts, writePorts, sharedPorts] = FindGroups(ports);
+    std::vector<CPortGroup> groups;
+    Describe("read", readPorts, READ_ROLES, groups);
+    Describe("write", writePorts, WRITE_ROLES, groups);
+    Describe("shared", sharedPorts, SHARED_ROLES, groups);
+    const auto isBefore = [](const CPortGroup& a, const CPortGroup& b) { return a.m_Prefix < b.m_Prefix; };
+    std::stable_sort(groups.begin(), groups.end(), isBefore);
+    return groups;
 }
 
 void BindPorts(CPorts& ports) {

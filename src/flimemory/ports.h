@@ -3,6 +3,7 @@
 #define MARLUNE_FLIMEMORY_PORTS_H
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 #include "mti.h"
@@ -69,6 +70,19 @@ mtiSignalIdT FindClock(mtiInterfaceListT* ports);
 /// Groups the ports in the list by the prefixes and the roles of their names, upper and lower case alike. Groups that
 /// lack a port are left out. Throws std::out_of_range for a name that is shorter than a role.
 CPorts GroupPorts(const mtiInterfaceListT* ports);
+
+/// A group of ports of one prefix and kind, complete or not.
+struct CPortGroup {
+    std::string m_Kind; // "read", "write" or "shared"
+    std::string m_Prefix;
+    std::vector<std::string> m_Missing; // the roles that no port has
+};
+
+/// The prefix of a port's name.
+std::string PrefixOf(const std::string& name);
+
+/// All groups of which there is at least one port, ordered by prefix.
+std::vector<CPortGroup> DescribeGroups(const mtiInterfaceListT* ports);
 
 /// Copies the places to which the handles of the signals point, so that a pass over the ports finds them at once.
 void BindPorts(CPorts& ports);

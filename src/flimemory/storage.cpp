@@ -84,15 +84,12 @@ void CStorage::WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, s
 }
 
 void CStorage::FillZero(std::uint32_t first, std::uint32_t count) {
-    if (m_Words64 == nullptr && m_WordsWide == nullptr) {
+    if (m_Words64 != nullptr) {
+        ClearBytes(&m_Words64[first], count * sizeof(std::uint64_t));
+    } else if (m_WordsWide != nullptr) {
+        ClearBytes(&m_WordsWide[first], count * sizeof(CWord));
+    } else {
         m_Contents.FillZero(first, count);
-        return;
-    }
-    for (std::uint32_t address = first; address - first < count; ++address) {
-        const bool isZero = m_Words64 != nullptr ? m_Words64[address] == 0 : m_WordsWide[address] == CWord();
-        if (!isZero) {
-            Write(address, CWord());
-        }
     }
 }
 

@@ -54,11 +54,19 @@ public:
         }
     }
 
+    /// The cells from the first on where they are numbers, else null.
+    std::uint64_t* NumbersFrom(std::uint32_t first) { return HoldsNumbers() ? &m_Words64[first] : nullptr; }
+
+    /// Calls visit(address, word) for each cell that is present from the first to the last address, in their order.
+    /// Dense memories have all their cells.
+    template <typename TVisitor>
+    void VisitCells(std::uint32_t first, std::uint32_t last, TVisitor&& visit);
+
     /// Writes numbers of 64 bits to as many cells from the first on, all of them inside of the memory.
     void WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, std::uint32_t count);
 
-    /// The same as writing zero to count cells from the first on, all of them inside of the memory. Cells that are zero
-    /// already stay untouched, and sparse ones take no memory for each.
+    /// The same as writing zero to count cells from the first on, all of them inside of the memory. The cost follows
+    /// the cells that were ever touched, and no memory is taken for each.
     void FillZero(std::uint32_t first, std::uint32_t count);
 
     CSparseCells m_Contents;
@@ -73,6 +81,17 @@ private:
     std::uint64_t ReportRead(std::uint32_t address) const;
     void ReportWrite(std::uint32_t address) const;
 };
+
+template <typename TVisitor>
+void CStorage::VisitCells(std::uint32_t first, std::uint32_t last, TVisitor&& visit) {
+    if (m_Words64 == nullptr && m_WordsWide == nullptr) {
+        m_Contents.VisitCells(first, last, visit);
+        return;
+    }
+    for (std::uint32_t address = first; address < m_Size && address <= last; ++address) {
+        visit(address, Read(address));
+    }
+}
 
 } // namespace marlune::foreign::fli
 

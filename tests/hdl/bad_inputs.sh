@@ -7,7 +7,7 @@ good="marlune_fli_memory_init libmarlune_fli_memory.so"
 
 # expect MESSAGE COMMAND...: the command fails with the message
 expect() {
-    expect_error "fatal error: 'bad_tb/memory': $1" "${@:2}"
+    expect_error "fatal error: 'bad_tb?memory': $1" "${@:2}"
     [[ $output != *"has started"* ]] || fail "$output"
 }
 
