@@ -5,6 +5,7 @@
 //
 // An error (no such memory, an image that cannot be loaded or does not fit) ends the simulation with its text. An address
 // at or beyond a memory's size is told in the transcript; a read then gives 0 and a write does nothing.
+/* verilator lint_off TIMESCALEMOD */ // a test bench has a timescale or none
 package marlune_dpi;
 
   // Wide enough for every memory. A memory of fewer bits uses the low ones.
@@ -86,7 +87,7 @@ endpackage
 // PORTS are the names of all ports but CLK, each followed by a blank. WIDTHS are their widths in bits, 32 bits each, after
 // 32 bits of 0. `inputs` and `outputs` are their values. All begin with the first port.
 module marlune_ports #(
-    parameter PARAMETERS = "",
+    parameter string PARAMETERS = "",
     parameter MODE = 0,
     parameter DATA_BITS = 32,
     parameter ADDRESS_BITS = 10,

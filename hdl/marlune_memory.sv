@@ -6,7 +6,7 @@
 module marlune_memory #(
     parameter ADDRESS_BITS = 10,
     parameter DATA_BITS = 32,
-    parameter PARAMETERS = "",  // "mode width cells"; empty: from MODE and the widths above
+    parameter string PARAMETERS = "",  // "mode width cells"; empty: from MODE and the widths above
     parameter MODE = 0          // 0: a read drives Q0 at its own edge; 1: one edge later
 ) (
     input                     CLK,

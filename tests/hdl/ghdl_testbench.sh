@@ -29,14 +29,14 @@ done
 expect_error "cannot load VHPIDIRECT shared library 'libmarlune_direct.so'" \
     env LD_LIBRARY_PATH= ghdl -r --std=08 testbench_tb -gWAY=direct
 
-# memory EXPRESSION: runs the memory alone, as the expression of sed changes it
+# memory EXPRESSION [OPTION...]: runs the memory alone, as the expression of sed changes it
 memory() {
     sed "$1" "$root/hdl/ghdl/marlune_memory.vhd" > memory.vhd
-    ghdl -a --std=08 memory.vhd
-    LD_LIBRARY_PATH=$build ghdl -r --std=08 marlune_memory
+    ghdl -a --std=08 -Wno-library memory.vhd
+    LD_LIBRARY_PATH=$build ghdl -r --std=08 marlune_memory "${@:2}"
 }
 
-expect_error "fatal error: 'marlune_memory': General error: At least 3 arguments" memory 's/0 32 1024/0 32/'
+expect_error "fatal error: 'marlune_memory': General error: At least 3 arguments" memory '' -gPARAMETERS="0 32"
 expect_error "'marlune_memory': The inputs of wake have 22 elements, and the ports that open_memory lists have 54." \
     memory 's/ & w_D0, outputs/, outputs/'
 expect_error "'marlune_memory': The outputs of wake have 30 elements, and the ports that open_memory lists have 32." \

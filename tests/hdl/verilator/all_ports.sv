@@ -3,7 +3,8 @@
 module all_ports #(
     parameter ADDRESS_BITS = 4,
     parameter DATA_BITS = 8,
-    parameter string PARAMETERS = "0 8 16"
+    parameter string PARAMETERS = "",
+    parameter MODE = 0
 ) (
     input                     CLK,
     input                     a_RE0,  // a read port
