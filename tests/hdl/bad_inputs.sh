@@ -5,9 +5,9 @@
 source "$(dirname "$0")/common.sh"
 good="marlune_fli_memory_init libmarlune_fli_memory.so"
 
-# expect MESSAGE COMMAND...: the command fails with the message
-expect() {
-    expect_error "fatal error: 'bad_tb?memory': $1" "${@:2}"
+# refuse MESSAGE COMMAND...: the command fails with the message
+refuse() {
+    expect 1 "fatal error: 'bad_tb?memory': $1" "${@:2}"
     [[ $output != *"has started"* ]] || fail "$output"
 }
 
@@ -16,7 +16,7 @@ icarus() {
 }
 
 foreign() {
-    expect "$1" icarus "-Pbad_tb.FOREIGN=\"$2\""
+    refuse "$1" icarus "-Pbad_tb.FOREIGN=\"$2\""
 }
 
 foreign "The foreign attribute '$good 0 8 16' is not of the form 'init_function library; parameters'." "$good 0 8 16"
@@ -26,9 +26,11 @@ foreign "Library 'libmarlune_fli_memory.so' has no function 'other_init'." "othe
 foreign "Cannot load library '$3': $3: undefined symbol: mti_GetTopRegion (this bridge does not have the function)." \
     "unserved_init $3; 0 8 16"
 foreign "General error: At least 3 arguments are needed: <read_is_synchronous> <byte_bit_width> <size_in_bytes>" "$good; 0 8"
-expect "Port 'a_RA0' is neither a std_logic nor a vector of it." icarus -DREAL_PORT
+refuse "Port 'a_RA0' is neither a std_logic nor a vector of it." icarus -DREAL_PORT
+foreign "*Parameter 2, <byte_bit_width>, is '1k'; all are '0 1k 16'." "$good; 0 1k 16"
+foreign "A width of 1025 bits is not possible: a test bench's words have 1024, and so has a cell." "$good; 0 1025 16"
 
 ghdl -a --std=08 "$root/hdl/marlune_fli.vhd" "$here/bad_tb.vhd"
 ghdl -e --std=08 bad_tb
-expect "Port 'a_ra0' is neither a std_logic nor a vector of it." \
+refuse "Port 'a_ra0' is neither a std_logic nor a vector of it." \
     ghdl -r --std=08 bad_tb --vpi="$build/libmarlune_fli_vpi.so"

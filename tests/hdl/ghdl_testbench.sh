@@ -3,7 +3,7 @@
 #
 # usage: ghdl_testbench.sh BUILD-FOLDER WORK-FOLDER
 source "$(dirname "$0")/common.sh"
-awk -f "$root/examples/verilator/assemble.awk" "$here/ghdl/image.s" > image.vexon
+assemble_image
 ghdl -i --std=08 "$root"/hdl/marlune_fli.vhd "$root"/hdl/ghdl/*.vhd "$here/ghdl/testbench_tb.vhd"
 ghdl -m --std=08 testbench_tb
 
@@ -18,15 +18,15 @@ known="fatal error: 'testbench_tb/memories(?)/served/*': "
 for way in foreign direct mixed; do
     output=$(run "$way" 2>&1) && [[ $output == *PASSED* ]] || fail "$output"
     [[ $output == *"error: 'testbench_tb/memories(9)/"*"Access outside of memory, address: -1"* ]] || fail "$output"
-    expect_error "Cannot find memory object with name 'testbench_tb_memories_1__nothing'." run $way -gFAULT=1
-    expect_error "${known}File 'missing.vexon' could not be opened." run $way -gFAULT=2
-    expect_error "${known}General error: LAU mismatch: * bitwidth (32) than *'image.vexon' (8)." run $way -gFAULT=3
-    expect_error "${known}General error: Stride must be greater than zero." run $way -gFAULT=4
-    expect_error "marlune_testbench: an address has more than 32 bits" run $way -gFAULT=5
-    expect_error "marlune_testbench: an address has elements other than '0' and '1'" run $way -gFAULT=6
+    expect 1 "Cannot find memory object with name 'testbench_tb_memories_1__nothing'." run $way -gFAULT=1
+    expect 1 "${known}File 'missing.vexon' could not be opened." run $way -gFAULT=2
+    expect 1 "${known}General error: LAU mismatch: * bitwidth (32) than *'image.vexon' (8)." run $way -gFAULT=3
+    expect 1 "${known}General error: Stride must be greater than zero." run $way -gFAULT=4
+    expect 1 "marlune_testbench: an address has more than 32 bits" run $way -gFAULT=5
+    expect 1 "marlune_testbench: an address has elements other than '0' and '1'" run $way -gFAULT=6
 done
 
-expect_error "cannot load VHPIDIRECT shared library 'libmarlune_direct.so'" \
+expect 1 "cannot load VHPIDIRECT shared library 'libmarlune_direct.so'" \
     env LD_LIBRARY_PATH= ghdl -r --std=08 testbench_tb -gWAY=direct
 
 # memory EXPRESSION [OPTION...]: runs the memory alone, as the expression of sed changes it
@@ -36,8 +36,8 @@ memory() {
     LD_LIBRARY_PATH=$build ghdl -r --std=08 marlune_memory "${@:2}"
 }
 
-expect_error "fatal error: 'marlune_memory': General error: At least 3 arguments" memory '' -gPARAMETERS="0 32"
-expect_error "'marlune_memory': The inputs of wake have 22 elements, and the ports that open_memory lists have 54." \
+expect 1 "fatal error: 'marlune_memory': General error: At least 3 arguments" memory '' -gPARAMETERS="0 32"
+expect 1 "'marlune_memory': The inputs of wake have 22 elements, and the ports that open_memory lists have 54." \
     memory 's/ & w_D0, outputs/, outputs/'
-expect_error "'marlune_memory': The outputs of wake have 30 elements, and the ports that open_memory lists have 32." \
+expect 1 "'marlune_memory': The outputs of wake have 30 elements, and the ports that open_memory lists have 32." \
     memory "s/outputs : std_logic_vector(r_Q0'length - 1/outputs : std_logic_vector(r_Q0'length - 3/"
