@@ -33,7 +33,7 @@ def run(command):
 
 
 def verilator(libraries):
-    """The simulator's name, clock cycles of a run, commands by their names, and with which of them to compare. The
+    """The simulator's name, clock cycles of a run, commands by their names, and which of them to compare with. The
     variants with calls have bare arrays behind them in place of the library."""
     cycles = 1_000_000
     own = [HDL / "marlune_dpi.sv", HDL / "marlune_memory.sv"]
@@ -53,7 +53,7 @@ def verilator(libraries):
         build("verilator", "--binary", "--timing", "-Wno-fatal", "--Mdir", folder, "--top-module", "cycle_tb",
               f"-DCYCLES={cycles}", *sources, "native_memory.sv", "floor_memory.sv", "cycle_tb.sv", *objects)
         commands[name] = [f"{folder}/Vcycle_tb"]
-    return "Verilator", cycles, commands, ["calls after the registers"]
+    return "Verilator", cycles, commands, "calls after the registers"
 
 
 def icarus(libraries):
@@ -68,7 +68,7 @@ def icarus(libraries):
         build("iverilog", "-g2012", "-s", "cycle_tb", f"-DCYCLES={cycles}", *defines, "-o", program,
               HDL / "marlune_memory.v", "native_memory.sv", "cycle_tb.sv")
         commands[name] = ["vvp", *modules, program]
-    return "Icarus Verilog", cycles, commands, ["native array"]
+    return "Icarus Verilog", cycles, commands, "native array"
 
 
 def ghdl(libraries):
@@ -85,7 +85,7 @@ def ghdl(libraries):
         bridge = [f"--vpi={libraries}/libmarlune_fli_vpi.so"] if kind == "foreign" else []
         commands[name] = ["ghdl", "-r", "--std=08", "cycle_tb", f"-gKIND={kind}", f"-gMODE={mode}",
                           f"-gCYCLES={cycles}", *bridge]
-    return "GHDL", cycles, commands, ["native array"]
+    return "GHDL", cycles, commands, "native array"
 
 
 def main():
@@ -101,17 +101,15 @@ def main():
                 for name, command in commands.items():
                     seconds, lines[simulator, name] = run(command)
                     best[simulator, name] = min(best.get((simulator, name), 1e9), seconds)
-        for simulator, cycles, commands, references in simulators:
+        for simulator, cycles, commands, reference in simulators:
             own = best[simulator, "test bench"]
             print(f"\n{simulator}: nanoseconds a cycle, less the {own / cycles * 1e9:.1f} of the test bench")
             if lines[simulator, "library, mode 1"] != lines[simulator, "native array"]:
                 sys.exit(f"{simulator}: the library reads {lines[simulator, 'library, mode 1']}")
             for name in list(commands)[1:]:
                 print(f"  {name:45} {(best[simulator, name] - own) / cycles * 1e9:8.1f}", end="")
-                for reference in references:
-                    ratio = (best[simulator, name] - own) / (best[simulator, reference] - own)
-                    print(f"  {ratio:6.2f} times {reference}" if name.startswith("library,") else "", end="")
-                print()
+                ratio = (best[simulator, name] - own) / (best[simulator, reference] - own)
+                print(f"  {ratio:6.2f} times {reference}" if name.startswith("library,") else "")
 
 
 main()
