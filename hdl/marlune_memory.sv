@@ -3,6 +3,7 @@
 //
 // For other ports copy this file, and change the module's name, its ports and the list below them. marlune_memory.vhd
 // has the rules of port names.
+/* verilator lint_off TIMESCALEMOD */ // a test bench has a timescale or none
 module marlune_memory #(
     parameter ADDRESS_BITS = 10,
     parameter DATA_BITS = 32,

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # What cannot be elaborated ends with its message, the instance's path in it, and exit status 1, before time begins.
 #
-# usage: bad_inputs.sh BUILD-FOLDER WORK-FOLDER UNSERVED-LIBRARY
+# usage: bad_inputs.sh BUILD-FOLDER UNSERVED-LIBRARY
 source "$(dirname "$0")/common.sh"
 good="marlune_fli_memory_init libmarlune_fli_memory.so"
 
@@ -23,8 +23,8 @@ foreign "The foreign attribute '$good 0 8 16' is not of the form 'init_function 
 foreign "The foreign attribute 'library.so; 0 8 16' is not of the form" "library.so; 0 8 16"
 foreign "Cannot load library './missing.so': ./missing.so: cannot open shared object" "init ./missing.so; 0 8 16"
 foreign "Library 'libmarlune_fli_memory.so' has no function 'other_init'." "other_init libmarlune_fli_memory.so; 0 8 16"
-foreign "Cannot load library '$3': $3: undefined symbol: mti_GetTopRegion (this bridge does not have the function)." \
-    "unserved_init $3; 0 8 16"
+foreign "Cannot load library '$2': $2: undefined symbol: mti_GetTopRegion (this bridge does not have the function)." \
+    "unserved_init $2; 0 8 16"
 foreign "General error: At least 3 arguments are needed: <read_is_synchronous> <byte_bit_width> <size_in_bytes>" "$good; 0 8"
 refuse "Port 'a_RA0' is neither a std_logic nor a vector of it." icarus -DREAL_PORT
 foreign "*Parameter 2, <byte_bit_width>, is '1k'; all are '0 1k 16'." "$good; 0 1k 16"

@@ -1,11 +1,15 @@
-# For the scripts of this folder, which take BUILD-FOLDER and WORK-FOLDER: changes to the work folder, an empty one.
+# For the scripts of this folder, which take BUILD-FOLDER first: changes to an empty folder. The paths have no blanks, which
+# Verilator and make do not take.
 set -euo pipefail
-here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-root=$(cd "$here/../.." && pwd)
-build=$1
-rm -rf "$2"
-mkdir -p "$2"
-cd "$2"
+shopt -s inherit_errexit
+sources=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+libraries=$(cd "$1" && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+ln -s "$sources" source
+ln -s "$libraries" libraries
+root=source here=source/tests/hdl build=libraries
 
 fail() {
     printf '%s\n' "$@" >&2
@@ -70,6 +74,6 @@ copy_memory() {
 verilate() {
     verilator --top-module "$1" --Mdir "$1" \
         "$root/hdl/marlune_dpi.sv" "$root/hdl/marlune_memory.sv" "${@:2}" \
-        -LDFLAGS "-L$build -Wl,-rpath,$build -lmarlune_direct -lmarlune_fli_memory" \
+        -LDFLAGS "-L$work/libraries -Wl,-rpath,$work/libraries -lmarlune_direct -lmarlune_fli_memory" \
         -MAKEFLAGS "OPT_FAST=-O0 OPT_SLOW=-O0 OPT_GLOBAL=-O0" > "$1.log" 2>&1 || fail "$(grep -A 3 -E '^%|error' "$1.log")"
 }

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # GHDL: the test bench package with memories behind foreign architectures, direct ones, and both.
 #
-# usage: ghdl_testbench.sh BUILD-FOLDER WORK-FOLDER
+# usage: ghdl_testbench.sh BUILD-FOLDER
 source "$(dirname "$0")/common.sh"
 assemble_image
 ghdl -i --std=08 "$root"/hdl/marlune_fli.vhd "$root"/hdl/ghdl/*.vhd "$here/ghdl/testbench_tb.vhd"

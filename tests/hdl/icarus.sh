@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Icarus Verilog: traffic, system tasks, and what a user gets wrong.
 #
-# usage: icarus.sh BUILD-FOLDER WORK-FOLDER
+# usage: icarus.sh BUILD-FOLDER
 source "$(dirname "$0")/common.sh"
 assemble_image
 copy_memory marlune_memory.v

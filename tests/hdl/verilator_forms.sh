@@ -2,7 +2,7 @@
 # Verilator: forms of instances and paths in a model with waveforms and threads, command line options, and a user's own main
 # program.
 #
-# usage: verilator_forms.sh BUILD-FOLDER WORK-FOLDER
+# usage: verilator_forms.sh BUILD-FOLDER
 source "$(dirname "$0")/common.sh"
 assemble_image
 copy_memory marlune_memory.sv
