@@ -1,7 +1,6 @@
 # For the scripts of this folder, which take BUILD-FOLDER first: changes to an empty folder. The paths have no blanks, which
 # Verilator and make do not take.
 set -euo pipefail
-shopt -s inherit_errexit
 sources=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 libraries=$(cd "$1" && pwd)
 work=$(mktemp -d)
