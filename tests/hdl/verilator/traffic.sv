@@ -199,7 +199,7 @@ module traffic;
     times++;
     if (times == TIMES) begin
       $display("%0d values compared, %0d differ", compared.sum(), different.sum());
-      if (different.sum() == 0 && compared.sum() == COUNT * TIMES) $display("PASSED");
+      if (different.sum() == 0 && compared.sum() >= COUNT * TIMES) $display("PASSED");
       $finish;
     end
   end
