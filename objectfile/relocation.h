@@ -1,10 +1,11 @@
+// Relocations: which bit fields of a section wait for the address of a symbol.
 #ifndef MARLUNE_OBJECTFILE_RELOCATION_H
 #define MARLUNE_OBJECTFILE_RELOCATION_H
 
-#include "objectfile/persistentobject.h"
-
 #include <memory>
 #include <vector>
+
+#include "objectfile/persistentobject.h"
 
 namespace ObjectFile {
 

@@ -1,3 +1,4 @@
+// Some lines of a text, by index.
 #ifndef MARLUNE_OBJECTFILE_TEXTLINES_H
 #define MARLUNE_OBJECTFILE_TEXTLINES_H
 
@@ -22,7 +23,7 @@ public:
     void Clear() { m_Runs.clear(); }
     bool Empty() const { return m_Runs.empty(); }
 
-    /// The first line at or behind `line`, or -1.
+    /// The first line from `line` on, or -1.
     int Next(int line) const;
 
 private:

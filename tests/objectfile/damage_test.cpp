@@ -95,7 +95,8 @@ TEST(Damage, EachWrongLineIsNamed) {
         {14, "100000", "Unexpected end of file"},
         {15, "-1", "Argument is less then zero"},
         {15, "100", "Invalid string length"},
-        {21, "3", "Line 30: Syntax error"},
+        {21, "3", "loaded"}, // bytes of 10 bits, and 2 bits of a word in none
+        {21, "33", "Line 30: Syntax error"},
         {21, "0", "Line 30: Syntax error"},
         {20, "-8", "Line 21: Syntax error"},
         {22, "2", "Line 22: Syntax error"},

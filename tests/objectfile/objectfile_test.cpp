@@ -46,13 +46,14 @@ void BuildEveryRecord(CObjectFile& objectFile) {
     AddSymbol(table, "local", CSymbol::TYPE_PRIVATE, CSymbol::USAGE_UNDEFINED, &text, 0, 0);
     CSymbol* const function =
         AddSymbol(table, "main entry", CSymbol::TYPE_PUBLIC, CSymbol::USAGE_FUNCTION, &text, 4, 2);
-    function->GetExpansionTable().m_HeaderText = "the header";
-    function->GetExpansionTable().m_Lines = {"one", "two"};
+    function->GetExpansionTable().SetHeaderText("the header");
+    function->GetExpansionTable().AddLine("one");
+    function->GetExpansionTable().AddLine("two");
     AddSymbol(table, "array", CSymbol::TYPE_WEAK, CSymbol::USAGE_OBJECT, &data, 1, 3);
     CSymbol* const puts = AddSymbol(table, "puts", CSymbol::TYPE_EXTERN, CSymbol::USAGE_UNDEFINED, nullptr, 0, 0);
     AddSymbol(table, "prog.c", CSymbol::TYPE_ABSOLUTE, CSymbol::USAGE_FILE, nullptr, 0, 0);
     CSymbol* const common = AddSymbol(table, "shared", CSymbol::TYPE_COMMON, CSymbol::USAGE_OBJECT, &bss, 8, 4);
-    common->GetExpansionTable().m_Lines = {"alone"};
+    common->GetExpansionTable().AddLine("alone");
 
     CRelocation relocation;
     relocation.m_Address = 1;

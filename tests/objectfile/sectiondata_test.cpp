@@ -24,6 +24,19 @@ struct CTextModel {
             m_Lines.push_back(bits.substr(0, m_Word));
         }
     }
+    void FillZero(std::size_t count) {
+        const std::size_t perWord = m_Word / m_Byte;
+        for (bool open = !m_Lines.empty() && m_Lines.back().size() < m_Word && m_Lines.back().size() >= m_Byte;
+             count > 0; --count) {
+            if (!open) {
+                m_Lines.emplace_back();
+            }
+            std::string& line = m_Lines.back();
+            const std::size_t end = std::min(line.size() / m_Byte, perWord - 1) * m_Byte + m_Byte;
+            line.resize(std::max(line.size(), end / m_Byte == perWord ? m_Word : end), '0');
+            open = line.size() < m_Word;
+        }
+    }
     std::string GetByte(std::size_t address) const {
         const std::size_t perWord = m_Word / m_Byte;
         const std::string& line = m_Lines.at(address / perWord);
@@ -103,7 +116,7 @@ TEST(SectionData, AnswersLikeAListOfTexts) {
             } else if (action == 3) {
                 const int count = static_cast<int>(random() % 7);
                 data.FillZero(count);
-                model.Add(std::string(static_cast<std::size_t>(count) * model.m_Byte, '0'));
+                model.FillZero(static_cast<std::size_t>(count));
             } else if (action == 4 && line < model.m_Lines.size()) {
                 const std::string text =
                     random() % 10 == 0 ? "x" : Bits(random(), random() % 10 == 0 ? 3 : model.m_Word);

@@ -47,7 +47,9 @@ TEST(SymbolTable, IndexFollowsRenaming) {
 
 TEST(ExpansionTable, TheFirstTwoLinesAreReadAsAHeader) {
     CExpansionTable table;
-    table.m_Lines = {"4", "text//x", "third line"};
+    for (const char* const line : {"4", "text//x", "third line"}) {
+        table.AddLine(line);
+    }
     const CTestFile file;
     COutputStream out(file.Path(), '\n');
     table.SaveToStream(out);
@@ -56,7 +58,7 @@ TEST(ExpansionTable, TheFirstTwoLinesAreReadAsAHeader) {
     CExpansionTable loaded;
     CInputStream in(file.Path(), '\n');
     loaded.LoadFromStream(in);
-    EXPECT_EQ(loaded.m_HeaderText, "text");
-    EXPECT_EQ(loaded.m_Lines, std::vector<std::string>{"third"});
+    EXPECT_EQ(loaded.GetHeaderText(), "text");
+    EXPECT_EQ(loaded.GetLines(), std::vector<std::string>{"third"});
     EXPECT_EQ(loaded.Count(), 3);
 }
