@@ -91,7 +91,7 @@ void CLineStore::Set(int line, std::string_view text) {
     const bool fits =
         text.size() == width || (text.size() < width && IsLast(line) && (line == 0 || IsPacked(line - 1)));
     if (!fits || !IsBinary(text)) {
-        m_Irregular.Set(line, text);
+        SetIrregular(line, text);
         return;
     }
     m_Irregular.Erase(line);
@@ -99,6 +99,23 @@ void CLineStore::Set(int line, std::string_view text) {
     if (IsLast(line)) {
         m_LastLength = static_cast<int>(text.size());
     }
+}
+
+void CLineStore::SetIrregular(int line, std::string_view text) {
+    constexpr int MAX_JOINED_WIDTH = 32;
+    constexpr int MAX_JOINED_LINES = 2;
+    const std::string kept(text); // it may be one of ours
+    int first = line;
+    while (m_Width <= MAX_JOINED_WIDTH && first > 0 && line - first <= MAX_JOINED_LINES && IsPacked(first - 1)) {
+        --first;
+    }
+    if (first > 0 && line - first <= MAX_JOINED_LINES && !IsPacked(first - 1)) {
+        for (; first < line; ++first) {
+            m_Irregular.Set(first, Text(first));
+            m_Bits.Clear(BitPosition(first), static_cast<std::uint64_t>(m_Width));
+        }
+    }
+    m_Irregular.Set(line, kept);
 }
 
 void CLineStore::Replace(int line, std::int64_t first, std::int64_t count, std::string_view text) {
@@ -196,7 +213,7 @@ void CLineStore::SaveToStream(COutputStream& out) const {
 void CLineStore::FinishLast() {
     const int last = m_Count - 1;
     if (last >= 0 && m_LastLength < m_Width && IsPacked(last)) {
-        m_Irregular.Set(last, Text(last));
+        SetIrregular(last, Text(last));
         m_Bits.Clear(BitPosition(last), static_cast<std::uint64_t>(m_Width));
     }
 }

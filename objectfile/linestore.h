@@ -17,7 +17,8 @@ namespace ObjectFile {
 ///
 /// Lines of that form are packed, one bit for each character, in CBitStore, where zeros that were never written take no
 /// memory. Any other line (too short, too long, other characters) is irregular and kept as text in CTextLines; so is a
-/// short last line after an irregular one, whose bits would lie far from any other.
+/// short last line after an irregular one, whose bits would lie far from any other, and a short line or two between
+/// irregular ones, which then share a block.
 /// An access finds its chunk of bits in O(log chunks), and an irregular line in O(log lines) and at most 512 steps.
 class CLineStore {
 public:
@@ -64,6 +65,7 @@ public:
 
 private:
     bool IsLast(int line) const { return line == m_Count - 1; }
+    void SetIrregular(int line, std::string_view text);
     /// Turns a short last line into an irregular one, for a line is to follow it.
     void FinishLast();
     void Pack(std::uint64_t position, std::string_view text);

@@ -12,6 +12,8 @@ namespace ObjectFile {
 
 namespace {
 
+constexpr int MAX_SEARCHED = 8; // symbols that are searched one by one
+
 std::string AlreadyPresent(std::string_view name) {
     return "Non-local symbol with name " + std::string(name) + " is already present in the object file's symbol table.";
 }
@@ -74,21 +76,32 @@ bool CSymbolTable::Append(std::unique_ptr<CSymbol>& symbol) {
     if (!m_Contents) {
         m_Contents = std::make_unique<CContents>();
     }
-    if (!m_Contents->m_ByName.emplace(symbol->GetNameView(), symbol.get()).second) {
-        return false;
+    CSymbols& symbols = m_Contents->m_Symbols;
+    auto& index = m_Contents->m_Index;
+    if (!index && Count() >= MAX_SEARCHED) {
+        index = std::make_unique<CIndex>();
+        std::for_each(symbols.begin(), symbols.end(), [&](const auto& known) {
+            index->m_ByName.emplace(known->GetNameView(), known.get());
+        });
     }
-    symbol->m_Owner = this;
-    symbol->m_Index = Count();
-    m_Contents->m_Symbols.push_back(std::move(symbol));
-    return true;
+    const bool isNew = index ? index->m_ByName.emplace(symbol->GetNameView(), symbol.get()).second
+                             : Find(symbol->GetNameView()) == nullptr;
+    if (isNew) {
+        symbol->m_Owner = this;
+        symbol->m_Index = Count();
+        symbols.push_back(std::move(symbol));
+    }
+    return isNew;
 }
 
 CSymbol* CSymbolTable::Find(std::string_view name) const {
-    if (!m_Contents) {
-        return nullptr;
+    if (const CIndex* const index = Index()) {
+        const auto found = index->m_ByName.find(name);
+        return found == index->m_ByName.end() ? nullptr : found->second;
     }
-    const auto found = m_Contents->m_ByName.find(name);
-    return found == m_Contents->m_ByName.end() ? nullptr : found->second;
+    const auto found = std::find_if(Symbols().begin(), Symbols().end(),
+                                    [name](const auto& symbol) { return symbol->GetNameView() == name; });
+    return found == Symbols().end() ? nullptr : found->get();
 }
 
 CSymbol* CSymbolTable::FindSymbol(const std::string& name) {
@@ -100,16 +113,18 @@ const CSymbol* CSymbolTable::FindSymbol(const std::string& name) const {
 }
 
 int CSymbolTable::FindSymbol(const CSymbol* symbol) const {
-    if (!m_Contents) {
-        return -1;
+    if (CIndex* const index = Index()) {
+        auto& indices = index->m_ByAddress;
+        while (indices.size() < Symbols().size()) {
+            const std::size_t next = indices.size();
+            indices.emplace(Symbols()[next].get(), static_cast<int>(next));
+        }
+        const auto found = indices.find(symbol);
+        return found == indices.end() ? -1 : found->second;
     }
-    auto& indices = m_Contents->m_Indices;
-    while (indices.size() < Symbols().size()) {
-        const std::size_t index = indices.size();
-        indices.emplace(Symbols()[index].get(), static_cast<int>(index));
-    }
-    const auto found = indices.find(symbol);
-    return found == indices.end() ? -1 : found->second;
+    const auto found = std::find_if(Symbols().begin(), Symbols().end(),
+                                    [symbol](const auto& candidate) { return candidate.get() == symbol; });
+    return found == Symbols().end() ? -1 : static_cast<int>(found - Symbols().begin());
 }
 
 CSymbol* CSymbolTable::LookUpSymbol(const std::string& name) const {
@@ -139,11 +154,15 @@ void CSymbolTable::Rename(CSymbol& symbol, CSharedText name) {
     if (CSymbol* const present = Find(name.View()); present != nullptr && present != &symbol) {
         throw general_error(AlreadyPresent(name.View()));
     }
-    auto& names = m_Contents->m_ByName;
-    auto entry = names.extract(symbol.GetNameView()); // before the characters go that it views
+    CIndex* const index = Index();
+    if (index == nullptr) {
+        symbol.m_Name = std::move(name);
+        return;
+    }
+    auto entry = index->m_ByName.extract(symbol.GetNameView()); // before the characters go that it views
     symbol.m_Name = std::move(name);
     entry.key() = symbol.GetNameView();
-    names.insert(std::move(entry));
+    index->m_ByName.insert(std::move(entry));
 }
 
 int CSymbolTable::ExternSymbolCount() const {

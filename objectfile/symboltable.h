@@ -58,13 +58,17 @@ private:
     friend class CSymbol;
 
     using CSymbols = std::vector<std::unique_ptr<CSymbol>>;
+    struct CIndex {
+        std::unordered_map<std::string_view, CSymbol*, CSeededHash> m_ByName; // views of the symbols' names
+        std::unordered_map<const CSymbol*, int> m_ByAddress; // the first so many symbols, filled when asked for
+    };
     struct CContents {
         CSymbols m_Symbols;
-        std::unordered_map<std::string_view, CSymbol*, CSeededHash> m_ByName; // views of the symbols' names
-        std::unordered_map<const CSymbol*, int> m_Indices; // of the first so many symbols, filled when asked for
+        std::unique_ptr<CIndex> m_Index; // none while there are only a few symbols
     };
 
     const CSymbols& Symbols() const;
+    CIndex* Index() const { return m_Contents ? m_Contents->m_Index.get() : nullptr; }
     CSymbol* Find(std::string_view name) const;
     /// Appends the symbol and takes ownership of it; false, and the caller keeps it, when its name is in the table.
     bool Append(std::unique_ptr<CSymbol>& symbol);
