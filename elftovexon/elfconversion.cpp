@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <stdexcept>
 #include <utility>
 
 #include "elftovexon/elfcontents.h"
@@ -299,9 +300,13 @@ void ElfToVexon::PlaceSymbol(const Elf64_Sym& entry, CSymbol& symbol) {
 }
 
 void ElfToVexon::ConvertRelocations() {
+    constexpr std::string_view PREFIX = ".rela";
     for (const RelocationContents& relocations : m_Relocations) {
         const std::string& name = m_SectionNames[static_cast<std::size_t>(relocations.m_Section)];
-        CSection* const section = m_Target->FindSection(name.substr(std::string_view(".rela").size()));
+        if (name.size() < PREFIX.size()) {
+            throw std::out_of_range("basic_string::substr");
+        }
+        CSection* const section = m_Target->FindSection(name.substr(PREFIX.size()));
         if (section == nullptr) {
             throw CGeneralError("Relocation: missing section\n");
         }

@@ -80,9 +80,8 @@ bool CSymbolTable::Append(std::unique_ptr<CSymbol>& symbol) {
     auto& index = m_Contents->m_Index;
     if (!index && Count() >= MAX_SEARCHED) {
         index = std::make_unique<CIndex>();
-        std::for_each(symbols.begin(), symbols.end(), [&](const auto& known) {
-            index->m_ByName.emplace(known->GetNameView(), known.get());
-        });
+        std::for_each(symbols.begin(), symbols.end(),
+                      [&](const auto& known) { index->m_ByName.emplace(known->GetNameView(), known.get()); });
     }
     const bool isNew = index ? index->m_ByName.emplace(symbol->GetNameView(), symbol.get()).second
                              : Find(symbol->GetNameView()) == nullptr;

@@ -1,3 +1,4 @@
+// ELF files for the tests.
 #ifndef MARLUNE_TESTS_ELFBUILDER_H
 #define MARLUNE_TESTS_ELFBUILDER_H
 
@@ -98,7 +99,7 @@ public:
         Elf64_Shdr& namesRecord = reinterpret_cast<Elf64_Shdr*>(headers.data())[1];
         namesRecord.sh_offset = sizeof header + contents.size();
         namesRecord.sh_size = names.size();
-        header.e_phoff = sizeof header;
+        header.e_phoff += header.e_phoff == 0 ? sizeof header : 0;
         header.e_shoff = sizeof header + contents.size() + names.size();
         header.e_phnum = static_cast<std::uint16_t>(m_Segments.size());
         header.e_shnum = static_cast<std::uint16_t>(m_Sections.size());

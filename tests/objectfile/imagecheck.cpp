@@ -1,0 +1,167 @@
+#include "tests/objectfile/imagecheck.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <new>
+#include <stdexcept>
+#include <typeinfo>
+
+#include "general_error"
+#include "objectfile/elfimport.h"
+#include "objectfile/objectfile.h"
+#include "tests/flimemory/loadmodel.h"
+
+using namespace ObjectFile;
+
+namespace {
+
+constexpr int MAX_LAU_BITS = 1024; // of a memory
+
+/// The message of the error in which the action ends, empty without one. A lack of memory is never allowed.
+template <typename TAction>
+std::string ErrorOf(TAction action) {
+    try {
+        action();
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return "";
+}
+
+/// False after a documented error; any other passes.
+bool Load(CObjectFile& image, const std::string& path) {
+    try {
+        image.LoadFile(path);
+        return true;
+    } catch (const CMessageError&) {
+    } catch (const marlune::exceptions::CGeneralError&) {
+    } catch (const std::exception& error) { // any error in a text file; a relocation section with a short name
+        if (typeid(error) != typeid(std::exception) && std::string(error.what()).find("substr") == std::string::npos) {
+            throw;
+        }
+    }
+    return false;
+}
+
+/// What the image is saved as, but for the time.
+std::string Text(CObjectFile& image, const std::string& path) {
+    image.SaveFile(path);
+    std::ifstream file(path, std::ios::binary);
+    return std::string{std::istreambuf_iterator<char>(file), {}}.erase(11, 19);
+}
+
+/// Does the text form hold all of an image that came from one?
+bool IsStorable(const CObjectFile& image) {
+    bool storable = true;
+    for (int i = 0; i < image.SectionsCount(); ++i) {
+        storable = storable && !image.GetSection(i)->GetName().empty();
+    }
+    for (int i = 0; i < image.SymbolTablesCount(); ++i) {
+        for (int k = 0; k < image.GetSymbolTable(i)->Count(); ++k) {
+            const CSymbol& symbol = *image.GetSymbolTable(i)->GetSymbol(k);
+            const CExpansionTable& expansion = symbol.GetExpansionTable();
+            storable = storable && !symbol.GetNameView().empty() &&
+                       (expansion.Count() < 2 || !expansion.GetHeaderText().empty());
+        }
+    }
+    return storable;
+}
+
+std::string CheckText(CObjectFile& image, const std::string& path) {
+    const std::string copy = path + ".copy";
+    std::string text;
+    const std::string error = ErrorOf([&] { text = Text(image, copy); });
+    if (!error.empty()) { // less than a byte of data takes a line for which no record is written
+        return error.find("Address overlapping!") == std::string::npos ? error : "";
+    }
+    CObjectFile again;
+    std::string fault;
+    if (!IsElfFile(path) && IsStorable(image)) {
+        fault = Load(again, copy) && Text(again, copy) == text ? "" : "another text after a second load";
+    }
+    Load(again, path); // what was in an object leaves nothing in it
+    fault += Text(again, copy) == text ? "" : "another text after a load into a used object";
+    std::remove(copy.c_str());
+    return fault;
+}
+
+std::string CheckLoaded(CObjectFile& image, const std::string& path, std::mt19937& random) {
+    std::string fault = CheckText(image, path);
+    const std::string error = ErrorOf([&] { image.CheckLinks(); });
+    fault += image.SectionsCount() == 0 || error.empty() ? "" : "the links of a loaded image: " + error;
+    for (int round = 0; image.SectionsCount() > 0 && round < 4; ++round) {
+        fault += CheckLoad(image, random);
+    }
+    for (int i = 0; i < std::min(image.SectionsCount(), 50); ++i) {
+        CSection& section = *image.GetSection(i);
+        fault += section.GetSectionData() != nullptr ? CheckBytes(*section.GetSectionData(), random) : "";
+        for (int k = 0; k < std::min(section.RelocationCount(), 50); ++k) {
+            const long long value = static_cast<long long>(random()) * (1LL << random() % 31);
+            ErrorOf([&] { section.SetRelocData(section.GetRelocation(k), k % 2 == 0 ? value : -value); });
+        }
+    }
+    return fault;
+}
+
+} // namespace
+
+std::string CheckBytes(const CSectionData& data, std::mt19937& random) {
+    if (data.GetByteBitSize() < 1 || data.GetByteBitSize() > MAX_LAU_BITS) {
+        return "";
+    }
+    std::array<std::uint64_t, MAX_LAU_BITS / 64> limbs{};
+    std::array<std::uint64_t, 64> cells{};
+    const auto size = static_cast<std::size_t>(data.GetByteBitSize());
+    const auto textOf = [&](int address) {
+        std::string text;
+        const std::string error = ErrorOf([&] { text = data.GetByte(address); });
+        return error.empty() ? text : error;
+    };
+    for (int i = 0; i < std::min(data.GetByteCount(), 200); ++i) {
+        const int first = static_cast<int>(random() % static_cast<unsigned>(data.GetByteCount()));
+        std::string bits;
+        if (data.GetByteBits(first, limbs.data())) {
+            std::for_each(limbs.begin(), limbs.end(), [&](auto limb) { bits.insert(0, ConvUnsignToBin(limb, 64)); });
+            bits.erase(0, bits.size() - size);
+        }
+        const int stride = 1 + static_cast<int>(random() % 3);
+        const bool reversed = random() % 2 == 0;
+        const int copied = data.CopyBytes(first, stride, cells.size(), reversed, cells.data());
+        bool same = (bits.empty() || bits == textOf(first)) && (size > 64 || (copied > 0) == !bits.empty());
+        for (int k = 0; k < copied; ++k) {
+            const std::string text = ConvUnsignToBin(cells[static_cast<std::size_t>(k)], static_cast<int>(size));
+            same = same && (reversed ? ReverseEndianess(text) : text) == textOf(first + k * stride);
+        }
+        const int zeros = data.IsUntouchedZero(first, stride) ? stride : 0;
+        for (int k = 0; k < zeros; ++k) {
+            same = same && textOf(first + k) == std::string(size, '0');
+        }
+        if (!same) {
+            return "byte " + std::to_string(first) + " as a number";
+        }
+    }
+    return "";
+}
+
+std::string CheckImage(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    unsigned seed = 5381; // the bytes of the file decide what is random, except for the time in a text file
+    file.ignore(30);
+    for (char byte = 0; file.get(byte);) {
+        seed = seed * 33 + static_cast<unsigned char>(byte);
+    }
+    std::mt19937 random(seed);
+    try {
+        CObjectFile image;
+        const bool loaded = Load(image, path);
+        const std::string fault = loaded ? CheckLoaded(image, path, random) : "";
+        return !fault.empty() ? fault : loaded ? "loaded" : "error";
+    } catch (const std::exception& error) {
+        return std::string("an undocumented error: ") + error.what();
+    }
+}
