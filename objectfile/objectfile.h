@@ -21,7 +21,7 @@ extern const char* const VEXON_ARCHIVE_MAGIC;
 
 /// Why a text object file could not be read.
 struct CReadFailure {
-    std::string m_Reason;      // the message of the exception that LoadFromStream throws, or of a lack of memory
+    std::string m_Reason;      // the message of the exception that LoadFromStream throws, without "Line n: "
     std::optional<int> m_Line; // zero-based number of the line at fault, where it is one line's
 };
 

@@ -153,14 +153,19 @@ void CObjectFile::LoadFromStream(CInputStream& in) {
 
 std::optional<CReadFailure> CObjectFile::ReadFromStream(CInputStream& in) {
     bool isReading = true; // afterwards no one line is at fault
+    const auto failure = [&](std::string reason) {
+        return CReadFailure{std::move(reason), isReading ? std::optional<int>(in.GetLastLine()) : std::nullopt};
+    };
     try {
         LoadRecords(in);
         isReading = false;
         LinkRecords();
     } catch (const std::bad_alloc&) {
         return CReadFailure{"there is not enough memory", std::nullopt};
+    } catch (const syntax_error& error) {
+        return failure(error.GetText());
     } catch (const std::exception& error) {
-        return CReadFailure{error.what(), isReading ? std::optional<int>(in.GetLastLine()) : std::nullopt};
+        return failure(error.what());
     }
     return std::nullopt;
 }

@@ -166,7 +166,7 @@ private:
             const ObjectFile::CSymbolTable& symbols = *m_Image.GetSymbolTable(i);
             for (int k = 0; k < symbols.Count(); ++k) {
                 const ObjectFile::CSymbol& symbol = *symbols.GetSymbol(k);
-                WarnOfTcl("", "the symbol's name", symbol.GetName());
+                WarnOfTcl("", "a symbol's name", symbol.GetName());
                 withoutType += symbol.GetType() == ObjectFile::CSymbol::TYPE_NONE ? 1 : 0;
             }
         }

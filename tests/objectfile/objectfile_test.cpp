@@ -83,7 +83,7 @@ TEST(ObjectFile, LinksOfAnObjectThatNoFileHolds) {
     EXPECT_EQ(ErrorOf([&] { objectFile.CheckLinks(); }), "Line 0: Symbol index does not exist");
     objectFile.CreateSection(CSection::TYPE_TEXT, "b");
     objectFile.DeleteSection(&section); // the symbol must not come back in the other one
-    EXPECT_EQ(LoadError(Save(objectFile)), "-: Line 0: Section index does not exist");
+    EXPECT_EQ(LoadError(Save(objectFile)), "-: Section index does not exist");
 }
 
 TEST(ObjectFile, LoadFileReportsErrorsInItsOwnWay) {
