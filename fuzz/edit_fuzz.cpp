@@ -1,5 +1,4 @@
 // Any bytes as a list of editing operations.
-#include <cstdlib>
 #include <iostream>
 
 #include "fuzz/inputfile.h"
@@ -7,10 +6,6 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     std::cerr.setstate(std::ios::failbit); // warnings are not of interest
-    const std::string fault = RunEdits({reinterpret_cast<const char*>(bytes), size}, FilePath());
-    if (!fault.empty()) {
-        std::fprintf(stderr, "%s\n", fault.c_str());
-        std::abort();
-    }
+    ExpectNoFault(RunEdits({reinterpret_cast<const char*>(bytes), size}, FilePath()));
     return 0;
 }

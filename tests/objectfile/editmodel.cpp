@@ -13,8 +13,8 @@ using namespace ObjectFile;
 
 namespace {
 
-constexpr std::array<const char*, 5> NAMES{"a", "b", "a name of more than fifteen characters", ".stack",
-                                           "another name of more than fifteen"};
+constexpr std::array<const char*, 6> NAMES{"a",      ".data",       "a name of more than fifteen characters",
+                                           ".stack", ".debug_info", "another name of more than fifteen"};
 constexpr std::array<std::array<int, 2>, 12> SHAPES{
     // word bit-size, bytes per word
     {{32, 4}, {8, 1}, {8, 4}, {24, 3}, {64, 1}, {20, 3}, {1, 1}, {96, 2}, {150, 1}, {13, 1}, {128, 2}, {160, 4}}};
@@ -62,6 +62,7 @@ struct CModelSection {
     CSection* m_Section;
     std::string m_Name;
     CTextModel m_Data;
+    std::vector<const CSymbol*> m_Relocations; // the symbols of them
 };
 
 struct CModelSymbol {
@@ -100,10 +101,11 @@ public:
     }
 
     void Run() {
-        constexpr std::array<void (CEdits::*)(), 11> OPERATIONS{
-            &CEdits::CreateSection, &CEdits::DeleteSection, &CEdits::RenameSection, &CEdits::AddSymbol,
-            &CEdits::ChangeSymbol,  &CEdits::ChangeSymbol,  &CEdits::BindSymbol,    &CEdits::AddData,
-            &CEdits::AddData,       &CEdits::ChangeByte,    &CEdits::ChangeWord};
+        constexpr std::array<void (CEdits::*)(), 14> OPERATIONS{
+            &CEdits::CreateSection, &CEdits::DeleteSection, &CEdits::RenameSection, &CEdits::CopySection,
+            &CEdits::AddRelocation, &CEdits::AddSymbol,     &CEdits::ChangeSymbol,  &CEdits::ChangeSymbol,
+            &CEdits::BindSymbol,    &CEdits::AddData,       &CEdits::AddData,       &CEdits::ChangeByte,
+            &CEdits::ChangeWord,    &CEdits::Organize};
         while (!m_Bytes.empty()) {
             (this->*Pick(OPERATIONS))();
             CompareRecords();
@@ -145,8 +147,8 @@ private:
         section->SetMemoryByteAddressIsAbsolute(true);
         section->CreateSectionData();
         m_Deleted.erase(section);
-        m_Sections.push_back(
-            {section, name, {static_cast<std::size_t>(word), static_cast<std::size_t>(word / perWord), {}}});
+        const auto bits = static_cast<std::size_t>(word);
+        m_Sections.push_back({section, name, {bits, bits / static_cast<std::size_t>(perWord), {}}, {}});
     }
 
     void DeleteSection() {
@@ -173,6 +175,76 @@ private:
         CModelSection& section = Pick(m_Sections);
         section.m_Name = Pick(NAMES);
         section.m_Section->SetName(section.m_Name);
+    }
+
+    /// Into another object file, with its symbols or with this one's.
+    void CopySection() {
+        const CModelSection& source = Pick(m_Sections);
+        CObjectFile other;
+        CSymbolTable& symbols = *other.CreateSymbolTable();
+        const unsigned way = Take() % 3;
+        for (std::size_t i = 0; way == 0 && i < source.m_Relocations.size(); ++i) {
+            symbols.AddSymbol(std::make_unique<CSymbol>(source.m_Relocations[i]->GetName(), CSymbol::TYPE_PRIVATE));
+        }
+        const bool refused =
+            Throws<general_error>([&] { source.m_Section->Copy(other, way == 2 ? nullptr : &symbols); });
+        Require(refused == (way == 1 && !source.m_Relocations.empty()), "how a copy is refused");
+        Require(other.SectionsCount() == (refused ? 0 : 1), "what a copy leaves");
+        for (std::size_t i = 0; !refused && i < source.m_Relocations.size(); ++i) {
+            const CSymbol* const symbol = other.GetSection(0)->GetRelocation(static_cast<int>(i))->m_Symbol;
+            Require(symbol ==
+                        (way == 2 ? source.m_Relocations[i] : symbols.FindSymbol(source.m_Relocations[i]->GetName())),
+                    "a copied relocation's symbol");
+        }
+        if (!refused) {
+            CTextModel model = source.m_Data;
+            CompareData(*other.GetSection(0)->GetSectionData(), model);
+        }
+    }
+
+    void AddRelocation() {
+        CModelSection& section = Pick(m_Sections);
+        CRelocation relocation;
+        relocation.m_SizeInBytes = 1;
+        relocation.m_Symbol = Pick(m_Symbols).m_Symbol;
+        const CRelocation* const added = section.m_Section->AddRelocation(relocation);
+        section.m_Relocations.push_back(added->m_Symbol);
+        const CRelocationTable& table = *section.m_Section->GetRelocationTable();
+        Require(table.Count() == static_cast<int>(section.m_Relocations.size()) &&
+                    table.Find(added) == table.Count() - 1 && table.Find(&relocation) == -1 &&
+                    table.Get(table.Count()) == nullptr,
+                "where a relocation is");
+    }
+
+    /// The memory organization of the file and what it says of the data.
+    void Organize() {
+        m_Image.SetMemoryOrganizationIsValid(Take() % 2 == 0);
+        const auto findType = [&](CSection::eType type, const char* name) {
+            const auto found = std::find_if(m_Sections.begin(), m_Sections.end(), [&](const CModelSection& s) {
+                return s.m_Section->GetType() == type && (name == nullptr || m_Image.FindSection(name) == s.m_Section);
+            });
+            return found == m_Sections.end() ? nullptr : found->m_Section;
+        };
+        Pick(m_Sections).m_Section->SetType(Take() % 2 == 0 ? CSection::TYPE_DATA : CSection::TYPE_DEBUG);
+        const CMemoryOrganization* data = findType(CSection::TYPE_DATA, ".data");
+        data = m_Image.GetMemoryOrganizationIsValid() ? &m_Image
+               : data != nullptr                      ? data
+                                                      : findType(CSection::TYPE_DATA, nullptr);
+        const CMemoryOrganization* debug = findType(CSection::TYPE_DEBUG, ".debug_info");
+        debug = m_Image.GetMemoryOrganizationIsValid() || debug == nullptr ? data : debug;
+        const CMemoryOrganization* found = nullptr;
+        Throws<general_error>([&] { found = &m_Image.GetStackMemoryOrganization(); });
+        Require(found == data, "the organization of the stack");
+        found = nullptr;
+        Throws<general_error>([&] { found = &m_Image.GetDataAndDebugMemoryOrganization(); });
+        Require(found == debug, "the organization of the data");
+        const CMemoryOrganization first = *m_Sections.front().m_Section;
+        const bool uniform = std::all_of(m_Sections.begin(), m_Sections.end(), [&](const CModelSection& s) {
+            return s.m_Section->HasTheSameMemoryOrganization(first);
+        });
+        const bool was = m_Image.GetMemoryOrganizationIsValid();
+        Require(m_Image.TryToSetUniformMemoryOrganization() == (was || uniform), "a uniform organization");
+        Require(was || !uniform || m_Image.HasTheSameMemoryOrganization(first), "an organization taken over");
     }
 
     void AddSymbol() {

@@ -9,9 +9,11 @@
 #include <stdexcept>
 #include <typeinfo>
 
+#include "elftovexon/elftovexon.h"
 #include "general_error"
 #include "objectfile/elfimport.h"
 #include "objectfile/objectfile.h"
+#include "objectfile/objectfileutils.h"
 #include "tests/flimemory/loadmodel.h"
 
 using namespace ObjectFile;
@@ -86,6 +88,15 @@ std::string CheckText(CObjectFile& image, const std::string& path) {
     }
     Load(again, path); // what was in an object leaves nothing in it
     fault += Text(again, copy) == text ? "" : "another text after a load into a used object";
+    CObjectFile direct; // past LoadFile
+    if (IsElfFile(path)) {
+        ElfToVexon(path.c_str(), &direct).Convert();
+    } else {
+        CInputStream in(path, '\n');
+        direct.LoadFromStream(in);
+    }
+    fault +=
+        Text(direct, copy) == text && IsObjectFile(path) && !IsArchive(path) ? "" : "another text without LoadFile";
     std::remove(copy.c_str());
     return fault;
 }

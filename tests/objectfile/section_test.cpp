@@ -71,27 +71,11 @@ TEST(Section, StackAndHeapAreKnownByNameAndSymbols) {
     EXPECT_TRUE(stack.IsHeap(false));
 }
 
-TEST(MemoryOrganization, UniformOrganizationAndInheritance) {
+TEST(MemoryOrganization, AFileWithoutSectionsHasNone) {
     CObjectFile objectFile;
     EXPECT_FALSE(objectFile.TryToSetUniformMemoryOrganization());
     EXPECT_THROW(objectFile.GetStackMemoryOrganization(), general_error);
     EXPECT_THROW(objectFile.GetDataAndDebugMemoryOrganization(), general_error);
-    const CMemoryOrganization wide(32, 4, BO_LITTLE, "data");
-    CSection* const bss = objectFile.CreateSection(CSection::TYPE_BSS, ".bss", wide);
-    CSection* const data = objectFile.CreateSection(CSection::TYPE_TEXT, ".data", {16, 2, BO_BIG, "d"});
-    EXPECT_FALSE(objectFile.TryToSetUniformMemoryOrganization());
-    EXPECT_EQ(&objectFile.GetStackMemoryOrganization(), bss); // ".data" is of another type
-    data->SetType(CSection::TYPE_DATA);
-    EXPECT_EQ(&objectFile.GetStackMemoryOrganization(), data);
-    CSection* const debug = objectFile.CreateSection(CSection::TYPE_DEBUG, ".debug_info", wide);
-    EXPECT_EQ(&objectFile.GetStackMemoryOrganization(), data);
-    EXPECT_EQ(&objectFile.GetDataAndDebugMemoryOrganization(), debug);
-    objectFile.DeleteSection(data);
-    EXPECT_TRUE(objectFile.TryToSetUniformMemoryOrganization());
-    EXPECT_TRUE(objectFile.HasTheSameMemoryOrganization(wide));
-    EXPECT_EQ(&objectFile.GetStackMemoryOrganization(), &objectFile);
-    objectFile.InheritMemoryOrganizationValues(CMemoryOrganization());
-    EXPECT_TRUE(objectFile.HasTheSameMemoryOrganization(wide));
 }
 
 TEST(SectionData, AddressesOutsideAreRefused) {
