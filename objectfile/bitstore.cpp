@@ -23,10 +23,6 @@ void ClearBits(std::uint64_t* limbs, std::uint64_t begin, std::uint64_t end) {
 
 } // namespace
 
-std::uint64_t CBitStore::Get(std::uint64_t position, unsigned count) const {
-    return CBitReader(*this).Get(position, count);
-}
-
 void CBitStore::Set(std::uint64_t position, unsigned count, std::uint64_t bits) {
     while (count > 0) { // twice when the bits lie in two limbs
         const auto offset = static_cast<unsigned>(position % 64);

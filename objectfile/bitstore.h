@@ -18,8 +18,6 @@ public:
     static constexpr std::uint64_t LIMBS_PER_CHUNK = 512;
     static constexpr std::uint64_t BITS_PER_CHUNK = LIMBS_PER_CHUNK * 64;
 
-    /// `count` (1 to 64) bits from `position` on, right-aligned, the first of them the most significant.
-    std::uint64_t Get(std::uint64_t position, unsigned count) const;
     /// Stores the low `count` (1 to 64) bits of `bits`.
     void Set(std::uint64_t position, unsigned count, std::uint64_t bits);
     /// Makes `count` bits 0; takes no memory for it.
@@ -50,7 +48,7 @@ class CBitReader {
 public:
     explicit CBitReader(const CBitStore& store) : m_Store(&store) {}
 
-    /// As CBitStore::Get.
+    /// `count` (1 to 64) bits from `position` on, right-aligned, the first of them the most significant.
     std::uint64_t Get(std::uint64_t position, unsigned count) {
         const std::uint64_t limb = position / 64;
         const auto offset = static_cast<unsigned>(position % 64);

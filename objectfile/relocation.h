@@ -71,8 +71,6 @@ public:
     void LoadFromStream(CInputStream& in, Queue& queue) override;
     void SaveToStream(COutputStream& out, Queue& queue) override;
 
-    void SetPendingCount(int count) { m_PendingCount = count; }
-
     /// Appends a relocation with default values; the table owns it.
     CRelocation* Create();
     /// Appends a copy with the same symbol; the table owns it.

@@ -2,15 +2,14 @@
 #ifndef MARLUNE_OBJECTFILE_SECTIONCONTAINER_H
 #define MARLUNE_OBJECTFILE_SECTIONCONTAINER_H
 
-#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
-#include <vector>
 
 #include "objectfile/persistentobject.h"
 #include "objectfile/section.h"
@@ -63,7 +62,7 @@ private:
 
     void Index() const;
 
-    std::vector<std::unique_ptr<CSection>> m_Sections; // by ascending number
+    std::deque<std::unique_ptr<CSection>> m_Sections; // by ascending number
     std::uint64_t m_NextNumber = 0;
     // Indices of the first m_Members.size() sections, filled when asked for
     mutable std::unordered_set<const CSection*> m_Members;

@@ -34,8 +34,6 @@ public:
     void SaveToStream(COutputStream& out, Queue& queue) override;
 
     int GetByteCount() const { return m_ByteCount; }
-    int GetWordBitSize() const { return m_WordBitSize; }
-    int GetBytesPerWord() const { return m_BytesPerWord; }
     int GetByteBitSize() const { return m_ByteBitSize; }
 
     /// The characters of byte `address`. Throws std::out_of_range beyond the byte count and beyond the end of a short

@@ -21,7 +21,6 @@ public:
     /// Does nothing when the line is not there.
     void Erase(int line);
     void Clear() { m_Runs.clear(); }
-    bool Empty() const { return m_Runs.empty(); }
 
     /// The first line from `line` on, or -1.
     int Next(int line) const;

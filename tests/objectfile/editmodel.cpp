@@ -101,11 +101,11 @@ public:
     }
 
     void Run() {
-        constexpr std::array<void (CEdits::*)(), 14> OPERATIONS{
+        constexpr std::array<void (CEdits::*)(), 15> OPERATIONS{
             &CEdits::CreateSection, &CEdits::DeleteSection, &CEdits::RenameSection, &CEdits::CopySection,
             &CEdits::AddRelocation, &CEdits::AddSymbol,     &CEdits::ChangeSymbol,  &CEdits::ChangeSymbol,
             &CEdits::BindSymbol,    &CEdits::AddData,       &CEdits::AddData,       &CEdits::ChangeByte,
-            &CEdits::ChangeWord,    &CEdits::Organize};
+            &CEdits::ChangeWord,    &CEdits::Organize,      &CEdits::AddBinary};
         while (!m_Bytes.empty()) {
             (this->*Pick(OPERATIONS))();
             CompareRecords();
@@ -324,6 +324,24 @@ private:
         model.Add(bits);
     }
 
+    /// Bytes of eight bits in place of all that there was.
+    void AddBinary() {
+        CModelSection& section = Pick(m_Sections);
+        section.m_Section->ClearAll();
+        section.m_Relocations.clear();
+        section.m_Data.m_Lines.clear();
+        std::vector<char> bytes(Take() % 9);
+        std::string digits;
+        for (char& byte : bytes) {
+            byte = static_cast<char>(Take());
+            const std::string eight = ConvUnsignToBin(static_cast<unsigned char>(byte), 8);
+            digits += section.m_Section->GetByteOrder() == BO_LITTLE ? ReverseEndianess(eight) : eight;
+        }
+        section.m_Section->AddBinaryData(bytes);
+        section.m_Data.Add(digits);
+        Require(section.m_Section->GetBinaryData() == bytes, "other bytes than were added");
+    }
+
     void ChangeByte() {
         CModelSection& section = Pick(m_Sections);
         CSectionData& data = *section.m_Section->GetSectionData();
@@ -359,7 +377,7 @@ private:
         }
         for (int i = 0; i < static_cast<int>(m_Symbols.size()); ++i) {
             const auto& [symbol, name, section, isLost] = m_Symbols[static_cast<std::size_t>(i)];
-            Require(symbol->GetName() == name && m_Table.FindSymbol(name) == symbol, "the symbol of a name");
+            Require(symbol->GetName() == name && m_Table.LookUpSymbol(name.c_str()) == symbol, "the symbol of a name");
             Require(symbol->ID() == i && m_Table.FindSymbol(symbol) == i, "a symbol's index");
             const int none = isLost && symbol->HasSection() ? -1 : 0;
             Require(symbol->GetSection() == section &&

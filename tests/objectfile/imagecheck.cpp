@@ -110,6 +110,7 @@ std::string CheckLoaded(CObjectFile& image, const std::string& path, std::mt1993
     }
     for (int i = 0; i < std::min(image.SectionsCount(), 50); ++i) {
         CSection& section = *image.GetSection(i);
+        fault += section.IsStack(true) && !section.IsStack(false) ? "a stack by its symbols alone" : "";
         fault += section.GetSectionData() != nullptr ? CheckBytes(*section.GetSectionData(), random) : "";
         for (int k = 0; k < std::min(section.RelocationCount(), 50); ++k) {
             const long long value = static_cast<long long>(random()) * (1LL << random() % 31);
