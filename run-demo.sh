@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the library and the bridge, and runs the two examples in their simulators. It fails when any value that a memory
+# Builds the libraries, and runs the two examples in their simulators. It fails when any value that a memory
 # delivers differs from what it must be. A second run builds nothing.
 #
 # usage: run-demo.sh
@@ -18,9 +18,9 @@ install_packages
 
 build=build/demo
 mkdir -p "$build"
-echo "== Build: libmarlune_fli_memory.so and libmarlune_fli_vpi.so in $build"
+echo "== Build: libmarlune_fli_memory.so and libmarlune_direct.so in $build"
 if ! { cmake --preset release -B "$build" -DMARLUNE_BUILD_TESTS=OFF -DMARLUNE_BUILD_BENCH=OFF -DMARLUNE_WERROR=OFF &&
-    cmake --build "$build" -j "$(nproc)" --target marlune_fli_memory marlune_fli_vpi; } > "$build/build.log" 2>&1; then
+    cmake --build "$build" -j "$(nproc)" --target marlune_fli_memory marlune_direct; } > "$build/build.log" 2>&1; then
     cat "$build/build.log" >&2
     exit 1
 fi

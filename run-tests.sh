@@ -21,6 +21,10 @@ need_packages "the tests in simulators" make make
 need_packages "the tests in simulators" awk mawk
 need_packages "the image tool" /usr/include/CLI/CLI.hpp libcli11-dev
 need_packages "the image tool" /usr/include/nlohmann/json.hpp nlohmann-json3-dev
+need_packages "the image tool" /usr/include/gelf.h libelf-dev
+need_packages "the image tool" /usr/include/srecord/input.h libsrecord-dev
+need_packages "the image tool, for the headers of libsrecord" /usr/include/boost/shared_ptr.hpp libboost-dev
+need_packages "the tests of the image tool" riscv64-unknown-elf-ld binutils-riscv64-unknown-elf
 if [[ ${1-} == --all ]]; then
     need_packages "the benchmarks" /usr/include/benchmark/benchmark.h libbenchmark-dev
     need_packages "the 32-bit build" "/usr/lib/gcc/x86_64-linux-gnu/*/32/libgcc.a" g++-multilib

@@ -69,4 +69,72 @@ package marlune_dpi;
     marlune_dpi_memory_write(memory_name(path), address, value);
   endfunction
 
+  // ---- For the module below ----
+
+  // Receives another number whenever the modules are to look at their clocks.
+  /* verilator lint_off MULTIDRIVEN */
+  int unsigned turn;
+  /* verilator lint_on MULTIDRIVEN */
+
 endpackage
+
+// The part of a memory module that is the same for all port groups; marlune_memory.sv and its copies instantiate it. It
+// serves the ports by direct calls, with any simulator that has DPI.
+//
+// PARAMETERS are "mode width cells", and "" makes them of MODE, DATA_BITS and ADDRESS_BITS.
+//
+// PORTS are the names of all ports but CLK, each followed by a blank. WIDTHS are their widths in bits, 32 bits each, after
+// 32 bits of 0. `inputs` and `outputs` are their values. All begin with the first port.
+module marlune_ports #(
+    parameter PARAMETERS = "",
+    parameter MODE = 0,
+    parameter DATA_BITS = 32,
+    parameter ADDRESS_BITS = 10,
+    parameter PORTS = "",
+    parameter WIDTHS = 32'd0,
+    parameter INPUT_BITS = 1,
+    parameter OUTPUT_BITS = 1
+) (
+    input  bit                   CLK,
+    input  bit [ INPUT_BITS-1:0] inputs,
+    output bit [OUTPUT_BITS-1:0] outputs
+);
+
+  import "DPI-C" function chandle marlune_sv_open(
+      input string scope, input string parameters, input int unsigned mode, input int unsigned data_bits,
+      input int unsigned address_bits, input string ports, input bit [$bits(WIDTHS)-1:0] widths);
+  import "DPI-C" function longint unsigned marlune_sv_rise(
+      input chandle memory, input real now, output bit [OUTPUT_BITS-1:0] outputs);
+  import "DPI-C" function int unsigned marlune_sv_inputs(
+      input chandle memory, input real now, input bit tick, input bit [INPUT_BITS-1:0] inputs);
+  import "DPI-C" function longint unsigned marlune_sv_look(
+      input chandle memory, input real now, input bit clk, output bit [OUTPUT_BITS-1:0] outputs);
+
+  // Here and not in an initial block: a test bench may load the memory in one of its own.
+  chandle memory = marlune_sv_open($sformatf("%m"), PARAMETERS, MODE, DATA_BITS, ADDRESS_BITS, PORTS, WIDTHS);
+
+  bit [OUTPUT_BITS-1:0] at_rise, at_look, risen, looked;
+  longint unsigned rise_stamp, look_stamp, rise, look;
+  bit tick;
+
+  // The tick makes the inputs come after each edge, changed or not. They come when the registers of the same clock have
+  // their new values, and once more for each later change.
+  always @(posedge CLK) begin
+    rise = marlune_sv_rise(memory, $realtime, risen);
+    at_rise <= risen;
+    rise_stamp <= rise;
+    tick <= !tick;
+  end
+
+  always @* marlune_dpi::turn = marlune_sv_inputs(memory, $realtime, tick, inputs);
+
+  // Rarely in synchronous mode: only where an output does not change at the edge itself.
+  always @(marlune_dpi::turn) begin
+    look = marlune_sv_look(memory, $realtime, CLK, looked);
+    at_look <= looked;
+    look_stamp <= look;
+  end
+
+  assign outputs = look_stamp > rise_stamp ? at_look : at_rise;
+
+endmodule

@@ -41,5 +41,14 @@ architecture fli of marlune_memory is
   -- For the bridge; an FLI simulator does not look inside a foreign architecture.
   constant foreign_bits : std_logic_vector := to_bits(fli'foreign);
   signal marlune_foreign : std_logic_vector(foreign_bits'range) := foreign_bits;
+  signal marlune_served  : std_logic := '0'; -- the bridge sets it
 begin
+
+  process (CLK)
+  begin
+    assert marlune_served = '1' or not rising_edge(CLK)
+      report marlune_served'path_name & ": no library serves this memory. Run ghdl -r with --vpi=libmarlune_fli_vpi.so."
+      severity failure;
+  end process;
+
 end architecture;

@@ -1,62 +1,72 @@
+// What a memory would hold after a load of an image, read block by block without such a memory.
 #ifndef MARLUNE_TOOLS_CELLS_H
 #define MARLUNE_TOOLS_CELLS_H
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <vector>
 
-#include "marlune_int"
+#include "objectfile/objectfile.h"
+#include "src/flimemory/loadmemory.h"
 
 namespace marlune::tool {
 
-/// A memory to load an image into outside of a simulator: it has what foreign::LoadMemory asks of a storage. Cells take
-/// memory only near those that are not zero.
-class CCells {
+/// The cells of a memory, of `width` bits (1 to 1024) each, after foreign::LoadMemory has filled them from an image.
+/// They are copied out of the image's sections, by the load's own code, when they are read.
+///
+/// No sparse storage of the memory model holds them: it takes 8 bytes for each cell, eight times the contents of an
+/// 8-bit memory, where the sections hold them in packed form already.
+class CLoadedCells {
 public:
-    using CWord = marlune_int<1024, true>;
-
     /// A range of cells.
-    struct SRun {
-        std::uint32_t m_First;
-        std::uint64_t m_End; // behind the last
+    struct CRun {
+        std::uint64_t m_First;
+        std::uint64_t m_End; // after the last
     };
 
-    /// `width` in bits, 1 to 1024; `size` in cells.
-    CCells(std::string name, std::uint32_t width, std::uint32_t size);
+    /// Borrows the image. `width` in bits, `size` in cells. Throws what foreign::PlanSection does.
+    CLoadedCells(const ObjectFile::CObjectFile& image, const std::string& space, std::uint32_t width,
+                 std::uint32_t size, const foreign::CLoadWindow& window);
 
-    /// Keeps the low `width` bits: what a test bench reads back.
-    void Write(std::uint32_t cell, const CWord& value);
+    std::uint32_t Width() const { return m_Width; }
+    std::uint32_t Size() const { return m_Size; }
+    /// The 64-bit limbs that Read stores for a cell.
+    unsigned LimbsPerCell() const { return (m_Width + 63) / 64; }
+    /// The byte order that all loaded sections share; little if there are none or if they differ.
+    ObjectFile::eByteOrder ByteOrder() const { return m_ByteOrder; }
 
-    /// Writes numbers to as many cells.
-    void WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, std::uint32_t count);
-
-    /// Stores 0 in `count` cells and takes no memory for it.
-    void FillZero(std::uint32_t first, std::uint32_t count);
-
-    /// The cell in limbs of 32 bits, the least significant first; none where it and its neighbours are zero.
-    const std::uint32_t* Find(std::uint32_t cell) const;
-    /// The first cell at or after `cell` near others that are not zero (within an aligned block of PAGE_CELLS);
-    /// m_Size when there is none.
-    std::uint32_t NextPage(std::uint32_t cell) const;
-    /// The cells that were written to, ascending, neighbours joined.
-    std::vector<SRun> WrittenRuns() const;
-
-    static constexpr std::uint32_t PAGE_CELLS = 1024;
-    static constexpr std::uint64_t* m_Words64 = nullptr; // there is no array of words to store numbers into directly
-
-    const std::string m_Name;
-    const std::uint32_t m_ByteBitWidth;
-    const std::uint32_t m_Size;
+    /// The cells that are loaded, ascending, neighbours joined.
+    const std::vector<CRun>& Runs() const { return m_Runs; }
+    /// True when none of the cells was loaded with anything but zeros that take no memory; false says nothing.
+    bool IsZero(std::uint64_t first, std::uint32_t count) const;
+    /// Stores `count` cells from `first` on in LimbsPerCell() limbs each, the least significant first. Cells that are
+    /// not loaded are 0. Throws std::out_of_range for a LAU that its line lacks, as a load does.
+    void Read(std::uint64_t first, std::uint32_t count, std::uint64_t* limbs) const;
 
 private:
-    void Note(std::uint32_t first, std::uint32_t count);
+    /// LAUs of a section with the cells that they go to.
+    struct CPart {
+        const ObjectFile::CSection* m_Section;
+        foreign::CSectionCopy m_Copy;
+        std::uint64_t m_First;  // cell
+        std::uint64_t m_End;    // after the last cell
+        std::size_t m_Order;    // of two parts that share a cell, the load takes the later one last
+        std::uint64_t m_MaxEnd; // the highest m_End of this part and of those before it in m_Parts
+    };
 
-    const unsigned m_Limbs;                                      // of a cell
-    std::map<std::uint32_t, std::vector<std::uint32_t>> m_Pages; // by cell / PAGE_CELLS
-    std::uint32_t* m_LastPage = nullptr; // the limbs of page m_LastNumber, which was written to last
-    std::uint32_t m_LastNumber = 0;
-    std::vector<SRun> m_Runs; // in the order of writing
+    void AddPart(const ObjectFile::CSection& section, const foreign::CSectionCopy& copy);
+    /// The index of the LAU that goes to the cell of the part.
+    static int IndexOf(const CPart& part, std::uint64_t cell);
+    void NoteByteOrder(ObjectFile::eByteOrder order);
+    void Sort();
+    /// The parts with cells in the range, in the order of the load.
+    std::vector<const CPart*> PartsIn(std::uint64_t first, std::uint64_t end) const;
+
+    const std::uint32_t m_Width;
+    const std::uint32_t m_Size;
+    ObjectFile::eByteOrder m_ByteOrder = ObjectFile::BO_LITTLE;
+    std::vector<CPart> m_Parts; // by m_First
+    std::vector<CRun> m_Runs;
 };
 
 } // namespace marlune::tool

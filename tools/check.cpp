@@ -20,17 +20,16 @@ using ObjectFile::CSectionData;
 
 constexpr int MOST_BITS = 1024; // of a memory's cell
 
-/// What the check of LAU widths wants to know of a memory.
-struct SMemory {
-    std::string m_Name;
-    std::uint32_t m_ByteBitWidth;
-};
-
 class CChecker {
 public:
-    CChecker(const ObjectFile::CObjectFile& image, const SOptions& options)
+    /// `warnings` are those of an import.
+    CChecker(const ObjectFile::CObjectFile& image, const SOptions& options, const std::vector<std::string>& warnings)
         : m_Image(image), m_Options(options),
-          m_Table({{"Finding", "severity"}, {"Section", "section"}, {"What", "text"}}) {}
+          m_Table({{"Finding", "severity"}, {"Section", "section"}, {"What", "text"}}) {
+        for (const std::string& text : warnings) {
+            Warn("", text);
+        }
+    }
 
     void Run() {
         for (int i = 0; i < m_Image.SectionsCount(); ++i) {
@@ -106,7 +105,7 @@ private:
                                .try_emplace(section.GetAddressSpaceName(),
                                             m_Options.m_Width.value_or(static_cast<unsigned>(data.GetByteLength(0))))
                                .first;
-        foreign::CheckUnitWidth(SMemory{"memory", first->second}, m_Image, data);
+        foreign::CheckUnitWidth({"memory", first->second, 0}, m_Image, data);
         if (section.GetType() == CSection::TYPE_BSS) {
             return; // zeros, and maybe very many
         }
@@ -198,8 +197,9 @@ private:
 } // namespace
 
 int RunCheck(const SOptions& options) {
-    const auto image = LoadImage(options.m_File);
-    CChecker checker(*image, options);
+    std::vector<std::string> warnings;
+    const auto image = LoadImage(options, [&](const std::string& text) { warnings.push_back(text); });
+    CChecker checker(*image, options, warnings);
     {
         const CProgress progress("checking " + options.m_File, CProgress::READING, 0);
         checker.Run();

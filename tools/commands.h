@@ -8,6 +8,7 @@
 #include <string>
 
 #include "src/flimemory/loadmemory.h"
+#include "tools/import/importoptions.h"
 
 namespace marlune::tool {
 
@@ -16,15 +17,16 @@ constexpr int STATUS_BAD = 1;   // a bad image, or one that such a memory refuse
 constexpr int STATUS_USAGE = 2; // wrong usage
 
 /// What the command line says; each sub-command looks at what it knows.
-struct SOptions {
+struct SOptions : CImportOptions {
     std::string m_File;
-    std::string m_Output; // empty for standard output
+    bool m_NamesMemory = false;    // address space and width are those of a memory, whatever the file
+    bool m_WritesBytes = false;    // in a byte order, whatever the file
+    bool m_RequiresMemory = false; // a program of another toolchain needs them
+    std::string m_Output;          // empty for standard output
     bool m_Json = false;
-    std::optional<std::string> m_Space;   // address space that the memory loads
-    std::optional<std::uint32_t> m_Width; // bits of one LAU, that is of one cell, 1 to 1024
-    std::uint32_t m_Size = 0;             // cells
+    std::uint32_t m_Size = 0; // cells
     foreign::CLoadWindow m_Window{0, 0, 0xFFFFFFFF, 0, 1};
-    std::string m_Format = "hex";
+    std::string m_CellFormat = "hex";
     bool m_All = false; // also the cells that nothing was loaded into
     std::string m_Svg;  // file for a drawing; empty for none
 };

@@ -9,10 +9,13 @@
 namespace marlune::tool {
 namespace {
 
-/// Some contents can be stored but not read back, nameless symbols for instance.
+/// Some contents of the library's own files can be stored but not read back, nameless symbols for instance. An import
+/// makes none of these.
 void RequireLoadable(const std::string& path, const std::string& target) {
     try {
-        LoadImage(path);
+        SOptions options;
+        options.m_File = path;
+        LoadImage(options);
     } catch (const CImageError& error) {
         throw std::runtime_error("cannot write '" + Printable(target) +
                                  "': the image has contents that would not load again: " + error.m_Text);
@@ -22,16 +25,19 @@ void RequireLoadable(const std::string& path, const std::string& target) {
 } // namespace
 
 int RunConvert(const SOptions& options) {
-    const auto image = LoadImage(options.m_File);
+    auto image = LoadImage(options);
+    const bool isImported = IsImported(options);
     ReplaceFile(options.m_Output, [&](const std::string& path) {
         {
-            const CProgress progress("writing " + options.m_Output, CProgress::WRITING, FileSize(options.m_File));
+            const std::uint64_t size = isImported ? 0 : FileSize(options.m_File); // about as much
+            const CProgress progress("writing " + options.m_Output, CProgress::WRITING, size);
             errno = 0;
             if (!image->SaveFile(path)) {
                 ThrowCannotWrite(options.m_Output);
             }
         }
-        if (path != options.m_Output) { // else it is a device
+        image.reset();                                 // not in memory twice
+        if (!isImported && path != options.m_Output) { // else it is a device
             RequireLoadable(path, options.m_Output);
         }
     });

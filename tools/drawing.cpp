@@ -88,12 +88,13 @@ private:
     void Piece(const SSpace& space, const SPiece& piece) {
         const bool gap = piece.m_Section == nullptr;
         const std::string style = gap ? "gap" : piece.m_Overlaps != nullptr ? "clash" : "piece";
-        Text(MARGIN, m_Y + 15, style, gap ? "gap" : Cut(Printable(piece.m_Section->GetName())));
+        Text(MARGIN, m_Y + 15, style,
+             gap ? (piece.IsShortened() ? "gap, shortened" : "gap") : Cut(Printable(piece.m_Section->GetName())));
         Text(RANGE_X, m_Y + 15, style, Hex(piece.m_First) + " - " + Hex(piece.End() - 1));
         Text(COUNT_END_X, m_Y + 15, style + " end", std::to_string(piece.m_Count));
         Box(LANE_X, m_Y + 3, LANE_LENGTH, ROW - 6, "#f0f0f0");
-        const auto begin = static_cast<unsigned>(Scaled(space, piece.m_First, LANE_LENGTH - 1));
-        const auto end = static_cast<unsigned>(Scaled(space, piece.End(), LANE_LENGTH));
+        const auto begin = static_cast<unsigned>(Scaled(space, piece.m_Position, LANE_LENGTH - 1));
+        const auto end = static_cast<unsigned>(Scaled(space, piece.m_Position + piece.m_Length, LANE_LENGTH));
         Box(LANE_X + begin, m_Y + 3, std::max(end, begin + 1) - begin, ROW - 6, gap ? "#d4d4d4" : Colour(piece));
         m_Y += ROW;
     }

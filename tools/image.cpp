@@ -5,13 +5,15 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <limits>
 #include <new>
 #include <system_error>
 
 #include <unistd.h>
 
-#include "objectfile/elfimport.h"
+#include "tools/import/format.h"
+#include "tools/import/importer.h"
 #include "tools/progress.h"
 #include "tools/text.h"
 
@@ -19,6 +21,8 @@ namespace marlune::tool {
 namespace {
 
 using ObjectFile::CSection;
+
+constexpr unsigned OWN_MACHINE = 192; // of the toolchain's ELF files
 
 std::string WithPlace(const std::string& path, std::optional<long> line, const std::string& text) {
     return Printable(path) + (line ? ":" + std::to_string(*line) : "") + ": " + text;
@@ -73,30 +77,97 @@ void LoadText(const std::string& path, ObjectFile::CObjectFile& image) {
     }
 }
 
+eFormat FormatOf(const SOptions& options) {
+    return options.m_Format ? *options.m_Format : RecogniseFormat(options.m_File);
+}
+
+/// Is it a file that a simulator loads as it is? An ELF file of the toolchain's machine is imported when the user asks
+/// for that, or gives the address space that it is to be in.
+bool IsOwn(const SOptions& options, eFormat format) {
+    const bool namesSpace = options.m_Space && !options.m_NamesMemory;
+    return format == eFormat::OBJECT ||
+           (format == eFormat::ELF && !options.m_Format && !namesSpace && ElfMachine(options.m_File) == OWN_MACHINE);
+}
+
+void RequireNoImportOptions(const SOptions& options) {
+    const std::array<std::pair<bool, const char*>, 5> given{{{options.m_Space && !options.m_NamesMemory, "--space"},
+                                                             {options.m_Width && !options.m_NamesMemory, "--width"},
+                                                             {options.m_Base.has_value(), "--base"},
+                                                             {options.m_Entry.has_value(), "--entry"},
+                                                             {options.m_Order && !options.m_WritesBytes, "--endian"}}};
+    for (const auto& [isGiven, name] : given) {
+        if (isGiven) {
+            throw std::runtime_error(std::string(name) +
+                                     " is for programs of other toolchains; this is a file of the " +
+                                     "library's own, which says it itself");
+        }
+    }
+}
+
+/// A converted file must say which memory it is for; to look at one, bytes will do.
+void RequireMemory(const SOptions& options, eFormat format) {
+    if (options.m_RequiresMemory && !(options.m_Space && options.m_Width)) {
+        throw std::runtime_error("the file (" + std::string(FormatRow(format).m_Title) +
+                                 ") does not say which memory it is for: give --space NAME and --width BITS");
+    }
+}
+
 } // namespace
 
 CImageError::CImageError(const std::string& path, std::optional<long> line, const std::string& text)
     : std::runtime_error(WithPlace(path, line, text)), m_Line(line), m_Text(text) {}
 
-std::unique_ptr<ObjectFile::CObjectFile> LoadImage(const std::string& path) {
+void Warn(const std::string& path, const std::string& text) {
+    std::cerr << "marlune-image: warning: " << Printable(path) << ": " << text << '\n';
+}
+
+std::unique_ptr<ObjectFile::CObjectFile> LoadImage(const SOptions& options, const CWarn& warn) {
+    const std::string& path = options.m_File;
     RequireReadableFile(path);
     const CProgress progress("reading " + path, CProgress::READING, FileSize(path));
-    auto image = std::make_unique<ObjectFile::CObjectFile>();
     try {
-        if (ObjectFile::IsElfFile(path)) {
+        const eFormat format = FormatOf(options);
+        if (!IsOwn(options, format)) {
+            RequireMemory(options, format);
+            return ImportProgram(
+                path, format, options, warn ? warn : [&](const std::string& text) { Warn(path, text); });
+        }
+        RequireNoImportOptions(options);
+        auto image = std::make_unique<ObjectFile::CObjectFile>();
+        if (format == eFormat::ELF) {
             image->LoadFile(path);
         } else {
             image->SetFileName(path);
             LoadText(path, *image);
         }
+        return image;
     } catch (const CImageError&) {
         throw;
+    } catch (const CReadError& error) {
+        throw CImageError(path, error.m_Line > 0 ? std::optional<long>(error.m_Line) : std::nullopt, error.what());
     } catch (const std::bad_alloc&) {
         throw CImageError(path, std::nullopt, "there is not enough memory for it");
     } catch (const std::exception& error) {
         throw CImageError(path, std::nullopt, WithoutLineEnd(error.what()));
     }
-    return image;
+}
+
+bool IsImported(const SOptions& options) {
+    return !IsOwn(options, FormatOf(options));
+}
+
+std::string KindOfImage(const SOptions& options) {
+    try {
+        const eFormat format = FormatOf(options);
+        if (format == eFormat::OBJECT) {
+            return "text object file";
+        }
+        const bool isForeignElf = format == eFormat::ELF && !IsOwn(options, format);
+        return FormatRow(format).m_Title +
+               (isForeignElf ? " of machine " + std::to_string(ElfMachine(options.m_File)) : std::string());
+    } catch (const std::exception& error) {
+        throw CImageError(options.m_File, std::nullopt, error.what());
+    }
 }
 
 std::uint64_t FileSize(const std::string& path) {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "objectfile/objectfile.h"
+#include "tools/commands.h"
 
 namespace marlune::tool {
 
@@ -19,8 +20,17 @@ public:
     const std::string m_Text;         // without file and line
 };
 
-/// Loads an ELF or a text object file. Throws CImageError with the exact reason, which a simulator does not show.
-std::unique_ptr<ObjectFile::CObjectFile> LoadImage(const std::string& path);
+/// Loads options.m_File: a text object file or an ELF file of the toolchain, as a simulator does, and programs of any
+/// other toolchain by way of an import. Throws CImageError with the exact reason, which a simulator does not show.
+/// Without `warn`, warnings go to standard error.
+std::unique_ptr<ObjectFile::CObjectFile> LoadImage(const SOptions& options, const CWarn& warn = nullptr);
+/// Is options.m_File a program of another toolchain?
+bool IsImported(const SOptions& options);
+/// What options.m_File is: "text object file", "Intel HEX file". Throws CImageError when that cannot be said.
+std::string KindOfImage(const SOptions& options);
+
+/// Writes a warning about a file on standard error.
+void Warn(const std::string& path, const std::string& text);
 
 /// In bytes; 0 when the file is not there.
 std::uint64_t FileSize(const std::string& path);

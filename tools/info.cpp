@@ -1,6 +1,5 @@
 #include <iostream>
 
-#include "objectfile/elfimport.h"
 #include "tools/commands.h"
 #include "tools/image.h"
 #include "tools/table.h"
@@ -28,12 +27,12 @@ int SymbolCount(const CObjectFile& image) {
 }
 
 /// The organization of all sections; each section has its own when there is none.
-std::vector<SFact> Facts(const CObjectFile& image, const std::string& path) {
+std::vector<SFact> Facts(const CObjectFile& image, const SOptions& options) {
     const bool uniform = image.GetMemoryOrganizationIsValid();
     const auto ifUniform = [&](CField field) { return uniform ? std::move(field) : CField(); };
     const ObjectFile::CLineTable* lines = image.GetLineTable();
-    return {{"File", "file", path},
-            {"Kind", "kind", ObjectFile::IsElfFile(path) ? "ELF file" : "text object file"},
+    return {{"File", "file", options.m_File},
+            {"Kind", "kind", KindOfImage(options)},
             {"Address space", "space", ifUniform(image.GetAddressSpaceName())},
             {"Word bits", "word_bits", ifUniform(Number(image.GetWordBitSize()))},
             {"LAUs per word", "units_per_word", ifUniform(Number(image.GetBytesPerWord()))},
@@ -66,8 +65,8 @@ CTable Sections(const CObjectFile& image) {
 } // namespace
 
 int RunInfo(const SOptions& options) {
-    const auto image = LoadImage(options.m_File);
-    const std::vector<SFact> facts = Facts(*image, options.m_File);
+    const auto image = LoadImage(options);
+    const std::vector<SFact> facts = Facts(*image, options);
     const CTable sections = Sections(*image);
     if (options.m_Json) {
         CJson document = ToJson(facts);

@@ -38,6 +38,24 @@ void Arrange(SSpace& space) {
     space.m_Pieces = std::move(arranged);
 }
 
+/// Gives the pieces their positions. Gaps are shortened to what leaves two thirds of the scale to the sections.
+void Scale(SSpace& space) {
+    std::uint64_t gaps = 0;
+    space.m_InUse = space.m_End - space.First();
+    for (const SPiece& piece : space.m_Pieces) {
+        gaps += piece.m_Section == nullptr ? 1 : 0;
+        space.m_InUse -= piece.m_Section == nullptr ? piece.m_Count : 0;
+    }
+    const std::uint64_t longest = std::max<std::uint64_t>(space.m_InUse / (2 * std::max<std::uint64_t>(gaps, 1)), 1);
+    std::uint64_t removed = space.First();
+    for (SPiece& piece : space.m_Pieces) {
+        piece.m_Position = piece.m_First - removed;
+        piece.m_Length = piece.m_Section == nullptr ? std::min(piece.m_Count, longest) : piece.m_Count;
+        removed += piece.m_Count - piece.m_Length;
+    }
+    space.m_Scale = space.m_End - removed;
+}
+
 } // namespace
 
 std::vector<SSpace> LayOut(const ObjectFile::CObjectFile& image, bool withStackAndHeap) {
@@ -57,22 +75,19 @@ std::vector<SSpace> LayOut(const ObjectFile::CObjectFile& image, bool withStackA
     }
     for (SSpace& space : spaces) {
         Arrange(space);
+        Scale(space);
     }
     return spaces;
 }
 
 std::string Heading(const SSpace& space) {
-    std::uint64_t gaps = 0;
-    for (const SPiece& piece : space.m_Pieces) {
-        gaps += piece.m_Section == nullptr ? piece.m_Count : 0;
-    }
     const std::uint64_t extent = space.m_End - space.First();
     return "address space '" + Printable(space.m_Name) + "': " + Hex(space.First()) + " to " + Hex(space.m_End - 1) +
-           ", " + std::to_string(extent - gaps) + " of " + Counted(extent, "LAU") + " in use";
+           ", " + std::to_string(space.m_InUse) + " of " + Counted(extent, "LAU") + " in use";
 }
 
-std::uint64_t Scaled(const SSpace& space, std::uint64_t address, std::uint64_t length) {
-    return (address - space.First()) * length / (space.m_End - space.First());
+std::uint64_t Scaled(const SSpace& space, std::uint64_t position, std::uint64_t length) {
+    return position * length / space.m_Scale;
 }
 
 } // namespace marlune::tool

@@ -15,15 +15,20 @@ struct SPiece {
     std::uint64_t m_First = 0;
     std::uint64_t m_Count = 0;
     const ObjectFile::CSection* m_Overlaps = nullptr; // a section before it that it shares addresses with
+    std::uint64_t m_Position = 0;                     // on the scale of its space, which shortens gaps
+    std::uint64_t m_Length = 0;                       // on that scale
 
     std::uint64_t End() const { return m_First + m_Count; }
+    bool IsShortened() const { return m_Length < m_Count; }
 };
 
 /// An address space: its sections and the gaps between them by ascending address, borrowed from the image.
 struct SSpace {
     std::string m_Name;
     std::vector<SPiece> m_Pieces;
-    std::uint64_t m_End = 0; // behind the highest address in use
+    std::uint64_t m_End = 0;   // behind the highest address in use
+    std::uint64_t m_InUse = 0; // LAUs that are not in gaps
+    std::uint64_t m_Scale = 0; // the length of the scale: of all pieces, with gaps shortened
 
     std::uint64_t First() const { return m_Pieces.front().m_First; }
 };
@@ -35,8 +40,8 @@ std::vector<SSpace> LayOut(const ObjectFile::CObjectFile& image, bool withStackA
 /// "address space 'ram': 0x0 to 0xfff, 96 of 4096 LAUs in use".
 std::string Heading(const SSpace& space);
 
-/// Where a piece begins or ends on a scale of `length` steps that spans the address space.
-std::uint64_t Scaled(const SSpace& space, std::uint64_t address, std::uint64_t length);
+/// Where a position of the space's scale lies in a picture of `length` steps.
+std::uint64_t Scaled(const SSpace& space, std::uint64_t position, std::uint64_t length);
 
 } // namespace marlune::tool
 

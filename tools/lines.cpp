@@ -17,7 +17,7 @@ CField FileName(const ObjectFile::CLineTable& lines, int index) {
 } // namespace
 
 int RunLines(const SOptions& options) {
-    const auto image = LoadImage(options.m_File);
+    const auto image = LoadImage(options);
     CTable table({{"Address", "address", true}, {"File", "file"}, {"Line", "line", true}, {"End", "end_of_sequence"}});
     if (const ObjectFile::CLineTable* lines = image->GetLineTable()) {
         for (const ObjectFile::CLineInfo& row : lines->GetRows()) {

@@ -1,5 +1,11 @@
 #include <algorithm>
+#include <cstdlib>
 #include <iostream>
+#include <optional>
+#include <sstream>
+
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 #include "tools/commands.h"
 #include "tools/drawing.h"
@@ -12,42 +18,81 @@
 namespace marlune::tool {
 namespace {
 
+constexpr const char* PLACE = "Place"; // title of the last column, the bars
+constexpr std::size_t USUAL_BAR = 40;  // characters
+constexpr std::size_t SHORTEST_BAR = 10;
+constexpr std::size_t LONGEST_BAR = 160;
+
+/// The columns of the terminal that standard output is, or of the environment, which goes first; none if neither says.
+std::optional<std::size_t> TerminalColumns() {
+    if (const char* const columns = std::getenv("COLUMNS")) { // NOLINT(concurrency-mt-unsafe): there is one thread
+        if (const int count = std::atoi(columns); count > 0) {
+            return count;
+        }
+    }
+    winsize size{};
+    if (isatty(STDOUT_FILENO) != 0 && ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) {
+        return size.ws_col;
+    }
+    return std::nullopt;
+}
+
+char MarkOf(const SPiece& piece) {
+    if (piece.m_Section == nullptr) {
+        return piece.IsShortened() ? '~' : '.';
+    }
+    return piece.m_Overlaps != nullptr ? '!' : '#';
+}
+
 /// The piece's place in its address space, at least one character of it.
-std::string Bar(const SSpace& space, const SPiece& piece) {
-    constexpr std::size_t LENGTH = 40;
-    const auto begin = static_cast<std::size_t>(Scaled(space, piece.m_First, LENGTH - 1));
-    const auto end = std::max(static_cast<std::size_t>(Scaled(space, piece.End(), LENGTH)), begin + 1);
-    std::string bar(LENGTH, ' ');
-    const char mark = piece.m_Section == nullptr ? '.' : piece.m_Overlaps != nullptr ? '!' : '#';
+std::string Bar(const SSpace& space, const SPiece& piece, std::size_t length) {
+    const auto begin = static_cast<std::size_t>(Scaled(space, piece.m_Position, length - 1));
+    const auto end =
+        std::max(static_cast<std::size_t>(Scaled(space, piece.m_Position + piece.m_Length, length)), begin + 1);
+    std::string bar(length, ' ');
+    const char mark = MarkOf(piece);
     std::fill_n(bar.begin() + static_cast<std::ptrdiff_t>(begin), end - begin, mark);
     return "|" + bar + "|";
 }
 
-CTable Pieces(const SSpace& space) {
+CTable Pieces(const SSpace& space, std::size_t barLength) {
     CTable table({{"Section", "section"},
                   {"Type", "type"},
                   {"First", "first", true},
                   {"Last", "last", true},
                   {"LAUs", "units", true},
-                  {"Place", "place"}});
+                  {PLACE, "place"}});
     for (const SPiece& piece : space.m_Pieces) {
         const bool gap = piece.m_Section == nullptr;
         table.AddRow({gap ? CField() : CField(piece.m_Section->GetName()),
                       gap ? "gap" : TypeName(piece.m_Section->GetType()), SHex{piece.m_First}, SHex{piece.End() - 1},
-                      piece.m_Count, Bar(space, piece)});
+                      piece.m_Count, Bar(space, piece, barLength)});
     }
     return table;
+}
+
+/// The bar with which the table is as wide as the terminal, if that is possible.
+std::size_t BarLength(const SSpace& space) {
+    const auto columns = TerminalColumns();
+    if (!columns) {
+        return USUAL_BAR;
+    }
+    std::ostringstream table;
+    Pieces(space, SHORTEST_BAR).Print(table);
+    const std::size_t before = table.str().find(PLACE); // in the line of titles
+    const std::size_t taken = before + Bar(space, space.m_Pieces.front(), SHORTEST_BAR).size();
+    return std::min(SHORTEST_BAR + (*columns > taken ? *columns - taken : 0), LONGEST_BAR);
 }
 
 } // namespace
 
 int RunMap(const SOptions& options) {
-    const auto image = LoadImage(options.m_File);
+    const auto image = LoadImage(options);
     const std::vector<SSpace> spaces = LayOut(*image, true);
     if (options.m_Json) {
         CJson list = CJson::array();
         for (const SSpace& space : spaces) {
-            list.push_back({{"space", space.m_Name}, {"pieces", Pieces(space).Json()}});
+            list.push_back({{"space", space.m_Name}, {"pieces", Pieces(space, USUAL_BAR).Json()}});
         }
         PrintJson({{"file", options.m_File}, {"spaces", list}});
     } else if (spaces.empty()) {
@@ -56,7 +101,7 @@ int RunMap(const SOptions& options) {
     for (const SSpace& space : spaces) {
         if (!options.m_Json) {
             std::cout << (&space == &spaces.front() ? "" : "\n") << Heading(space) << '\n';
-            Pieces(space).Print(std::cout);
+            Pieces(space, BarLength(space)).Print(std::cout);
         }
     }
     if (!options.m_Svg.empty()) {

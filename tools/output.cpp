@@ -1,6 +1,8 @@
 #include "tools/output.h"
 
+#include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -19,23 +21,73 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The permissions of a file that is replaced, or those of an ordinary new one.
+/// The permissions of a file that is replaced, or those of an ordinary new one. What runs with another user's rights is
+/// for that user to set up, so these bits stay behind.
 mode_t Permissions(const std::string& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) == 0) {
-        return status.st_mode & 07777U;
+        return status.st_mode & 0777U;
     }
     const mode_t mask = umask(0);
     umask(mask);
     return 0666U & ~mask;
 }
 
-/// A file beside the target that is removed again unless it has taken the target's place.
+/// The path of the temporary file, for a signal handler, or null.
+std::atomic<const char*> g_TemporaryPath{nullptr};
+
+/// Removes the temporary file. The signal comes a second time when this returns, and ends the process. Its default
+/// action is not back before the file is gone: the system may end a process at once, without this, when a signal comes
+/// twice.
+void RemoveTemporaryFile(int signal) {
+    if (const char* const path = g_TemporaryPath.load()) {
+        unlink(path);
+    }
+    std::signal(signal, SIG_DFL);
+    raise(signal);
+}
+
+/// Signals that end the process, none of them from a fault of its own.
+sigset_t EndingSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGALRM, SIGTERM, SIGXCPU, SIGUSR1, SIGUSR2}) {
+        sigaddset(&signals, signal);
+    }
+    return signals;
+}
+
+/// From now on a signal that ends the process removes the temporary file; what is ignored stays ignored.
+void CatchEndingSignals() {
+    const sigset_t signals = EndingSignals();
+    for (int signal = 1; signal < NSIG; ++signal) {
+        struct sigaction action {};
+        if (sigismember(&signals, signal) == 1 && sigaction(signal, nullptr, &action) == 0 &&
+            action.sa_handler == SIG_DFL) {
+            action.sa_handler = RemoveTemporaryFile;
+            action.sa_mask = signals;
+            sigaction(signal, &action, nullptr);
+        }
+    }
+    std::signal(SIGXFSZ, SIG_IGN); // a write beyond a limit fails like one to a full disk
+}
+
+/// A file beside the target that is removed again unless it has taken the target's place, whatever ends the process.
 class CTemporaryFile {
 public:
     explicit CTemporaryFile(std::string target) : m_Target(std::move(target)), m_Path(m_Target + ".XXXXXX") {
+        CatchEndingSignals();
+        const sigset_t signals = EndingSignals();
+        sigset_t before;
+        pthread_sigmask(SIG_BLOCK, &signals, &before); // the file and its name appear at once
         m_Handle = mkstemp(m_Path.data());
+        const int error = errno;
+        if (m_Handle >= 0) {
+            g_TemporaryPath = m_Path.c_str();
+        }
+        pthread_sigmask(SIG_SETMASK, &before, nullptr);
         if (m_Handle < 0) {
+            errno = error;
             ThrowCannotWrite(m_Target);
         }
     }
@@ -45,9 +97,10 @@ public:
     CTemporaryFile& operator=(CTemporaryFile&&) = delete;
     ~CTemporaryFile() {
         close(m_Handle);
-        if (!m_Path.empty()) {
+        if (!m_InPlace) {
             unlink(m_Path.c_str());
         }
+        g_TemporaryPath = nullptr;
     }
 
     const std::string& Path() const { return m_Path; }
@@ -58,14 +111,29 @@ public:
             rename(m_Path.c_str(), m_Target.c_str()) != 0) {
             ThrowCannotWrite(m_Target);
         }
-        m_Path.clear();
+        m_InPlace = true;
     }
 
 private:
-    std::string m_Target;
+    const std::string m_Target;
     std::string m_Path;
-    int m_Handle;
+    int m_Handle = -1;
+    bool m_InPlace = false;
 };
+
+/// Where a chain of links leads, whether there is a file or not.
+std::string FollowLinks(const std::string& path) {
+    constexpr int MOST_LINKS = 40; // as the system itself follows
+    fs::path place = path;
+    for (int links = 0; fs::is_symlink(fs::symlink_status(place)); ++links) {
+        if (links == MOST_LINKS) {
+            errno = ELOOP;
+            ThrowCannotWrite(path);
+        }
+        place = place.parent_path() / fs::read_symlink(place);
+    }
+    return place.string();
+}
 
 void Checked(std::ostream& out, const std::string& name, const std::function<void(std::ostream& out)>& write) {
     errno = 0;
@@ -94,8 +162,7 @@ void ReplaceFile(const std::string& target, const std::function<void(const std::
         write(target);
         return;
     }
-    // A link keeps its place: the file that it leads to is replaced.
-    const std::string place = fs::exists(status) ? fs::canonical(target).string() : target;
+    const std::string place = FollowLinks(target); // a link stays a link
     if (fs::exists(status) && access(place.c_str(), W_OK) != 0) {
         ThrowCannotWrite(target);
     }

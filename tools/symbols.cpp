@@ -33,7 +33,7 @@ void AddSymbols(CTable& table, std::uint64_t number, const ObjectFile::CSymbolTa
 } // namespace
 
 int RunSymbols(const SOptions& options) {
-    const auto image = LoadImage(options.m_File);
+    const auto image = LoadImage(options);
     CTable table({{"Symbol", "name"},
                   {"Type", "type"},
                   {"Usage", "usage"},

@@ -159,10 +159,11 @@ std::vector<std::string> Names(std::int64_t count) {
     return names;
 }
 
-/// A write and a read; arguments: width in bits, instances.
+/// A write or a read; arguments: whether it is a write, width in bits, instances.
 void BM_DpiAccess(benchmark::State& state) {
-    const auto instances = Instances(state.range(1), static_cast<int>(state.range(0)));
-    const auto names = Names(state.range(1));
+    const bool isWrite = state.range(0) != 0;
+    const auto instances = Instances(state.range(2), static_cast<int>(state.range(1)));
+    const auto names = Names(state.range(2));
     svLogicVecVal vector[32] = {};
     std::size_t turn = 0;
     std::size_t accesses = 0;
@@ -170,18 +171,24 @@ void BM_DpiAccess(benchmark::State& state) {
     const std::size_t before = g_Allocations;
     for ([[maybe_unused]] auto _ : state) {
         turn = turn + 1 < names.size() ? turn + 1 : 0;
-        marlune_dpi_memory_write(names[turn].c_str(), 3, vector);
-        marlune_dpi_memory_read(names[turn].c_str(), 3, vector);
+        if (isWrite) {
+            marlune_dpi_memory_write(names[turn].c_str(), 3, vector);
+        } else {
+            marlune_dpi_memory_read(names[turn].c_str(), 3, vector);
+        }
         ++accesses;
     }
     state.counters["allocations per access"] =
         static_cast<double>(g_Allocations - before) / static_cast<double>(accesses);
 }
-BENCHMARK(BM_DpiAccess)->Args({32, 1})->Args({128, 1})->Args({1, 1})->Args({1, 1000});
 
-/// What such an access cannot do without: two look-ups of the name and a call for each bit each way.
+#define MARLUNE_WIDTHS ArgsProduct({{0, 1}, {1, 8, 32, 64, 128, 1024}, {1}})
+BENCHMARK(BM_DpiAccess)->MARLUNE_WIDTHS->Args({0, 1, 1000})->Args({1, 1, 1000});
+
+/// What such an access cannot do without: looking the name up and a call for each bit.
 void BM_LookUpAndCalls(benchmark::State& state) {
-    const auto names = Names(state.range(1));
+    const bool isWrite = state.range(0) != 0;
+    const auto names = Names(state.range(2));
     std::unordered_map<std::string, int> index;
     for (const std::string& name : names) {
         index[name] = 1;
@@ -189,36 +196,38 @@ void BM_LookUpAndCalls(benchmark::State& state) {
     svLogicVecVal vector[32] = {};
     std::string key;
     for ([[maybe_unused]] auto _ : state) {
-        for (int way = 0; way < 2; ++way) {
-            key = names[0];
-            benchmark::DoNotOptimize(index.find(key)->second);
-        }
-        for (int bit = 0; bit < state.range(0); ++bit) {
-            benchmark::DoNotOptimize(svGetBitselLogic(vector, bit));
-        }
-        for (int bit = 0; bit < state.range(0); ++bit) {
-            svPutBitselLogic(vector, bit, static_cast<svLogic>(bit & 1));
+        key = names[0];
+        benchmark::DoNotOptimize(index.find(key)->second);
+        for (int bit = 0; bit < state.range(1); ++bit) {
+            if (isWrite) {
+                benchmark::DoNotOptimize(svGetBitselLogic(vector, bit));
+            } else {
+                svPutBitselLogic(vector, bit, static_cast<svLogic>(bit & 1));
+            }
         }
     }
 }
-BENCHMARK(BM_LookUpAndCalls)->Args({32, 1})->Args({128, 1});
+BENCHMARK(BM_LookUpAndCalls)->MARLUNE_WIDTHS;
 
 } // namespace
 
 int main(int argc, char** argv) {
     SaveImage(FILE_NAME, UNITS);
-    const int status = RunAndCompare(
-        argc, argv,
-        {{"load of a 16 MiB text image / by hand", "BM_LoadFile/0", "", "BM_LoadByHand", 1.5},
-         {"load into a sparse memory / dense", "BM_LoadFile/1", "", "BM_LoadFile/0", 2},
-         {"second memory of an image / bare stores", "BM_Store/1", "", "BM_BareStores", 1.5},
-         {"every 1024th LAU / all of them", "BM_Store/1024", "", "BM_Store/1", 0.05},
-         {"window of 1/1024 / all", "BM_StoreWindow", "", "BM_Store/1", 0.05},
-         {"DPI write and read, 32 bits / look-up and DPI calls", "BM_DpiAccess/32/1", "", "BM_LookUpAndCalls/32/1",
-          1.3},
-         {"DPI write and read, 128 bits / look-up and DPI calls", "BM_DpiAccess/128/1", "", "BM_LookUpAndCalls/128/1",
-          1.3},
-         {"DPI write and read of 1 bit: 1000 instances / one", "BM_DpiAccess/1/1000", "", "BM_DpiAccess/1/1", 3}});
+    std::vector<CRatio> ratios = {
+        {"load of a 16 MiB text image / by hand", "BM_LoadFile/0", "", "BM_LoadByHand", 1.5},
+        {"load into a sparse memory / dense", "BM_LoadFile/1", "", "BM_LoadFile/0", 2},
+        {"second memory of an image / bare stores", "BM_Store/1", "", "BM_BareStores", 1.5},
+        {"every 1024th LAU / all of them", "BM_Store/1024", "", "BM_Store/1", 0.05},
+        {"window of 1/1024 / all", "BM_StoreWindow", "", "BM_Store/1", 0.05},
+        {"DPI read of 1 bit: 1000 instances / one", "BM_DpiAccess/0/1/1000", "", "BM_DpiAccess/0/1/1", 3}};
+    for (const char* width : {"1", "8", "32", "64", "128", "1024"}) {
+        for (const auto& [way, name] : {std::pair("0/", "read"), std::pair("1/", "write")}) {
+            const std::string arguments = std::string("/") + way + width + "/1";
+            ratios.push_back({std::string("DPI ") + name + ", " + width + " bits / look-up and DPI calls",
+                              "BM_DpiAccess" + arguments, "", "BM_LookUpAndCalls" + arguments, 1.3});
+        }
+    }
+    const int status = RunAndCompare(argc, argv, ratios);
     std::remove(FILE_NAME);
     return status;
 }

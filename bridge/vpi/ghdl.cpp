@@ -1,15 +1,11 @@
-#include "bridge/vpi/simulator.h"
+// GHDL as a host.
+#include "bridge/vpi/host.h"
 
-#include <algorithm>
-#include <cctype>
 #include <string_view>
 
-namespace {
+namespace marlune::bridge {
 
-bool EqualIgnoringCase(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
-}
+namespace {
 
 /// The text whose characters a vector holds, 8 bits each; empty when it holds none.
 std::string TextOfBits(vpiHandle vector) {
@@ -28,41 +24,41 @@ std::string TextOfBits(vpiHandle vector) {
     return text;
 }
 
-/// VPI shows no attribute, generic or constant here, so that the foreign text comes as the bits of a signal, and no
-/// vpiPort, so that ports are the nets that have a direction.
-class CGhdl : public CSimulator {
+/// VPI shows no attribute, generic or constant here, so the foreign text comes as the bits of a signal. It shows no
+/// vpiPort either, so ports are the nets that have a direction.
+class CGhdl : public CVpiHost {
 public:
     // A process runs in the callback of its first event in a delta: all signals have their new values by then. A delay
     // of 0 ends at the start of the next delta, ahead of its events, so that there is one run for each delta.
-    CGhdl() : CSimulator("UX01ZWLH-", ERun::WHEN_MARKED, cbAfterDelay) {}
+    CGhdl() : CVpiHost("UX01ZWLH-", '/', ERun::WHEN_MARKED, cbAfterDelay) {}
 
     std::vector<vpiHandle> GetScopes(vpiHandle scope) const override {
         return GetObjects(scope == nullptr ? vpiModule : vpiInternalScope, scope);
     }
 
     std::optional<std::string> FindForeignText(vpiHandle scope) const override {
-        for (vpiHandle net : GetObjects(vpiNet, scope)) {
-            if (EqualIgnoringCase(GetText(vpiName, net), FOREIGN_OBJECT)) {
-                return TextOfBits(net);
-            }
-        }
-        return std::nullopt;
+        vpiHandle net = FindObject(vpiNet, scope, FOREIGN_OBJECT);
+        return net != nullptr ? std::optional(TextOfBits(net)) : std::nullopt;
     }
 
-    std::vector<SPort> GetPorts(vpiHandle scope) const override {
-        std::vector<SPort> ports;
+    std::vector<CVpiPort> GetPorts(vpiHandle scope) const override {
+        std::vector<CVpiPort> ports;
         for (vpiHandle net : GetObjects(vpiNet, scope)) {
             const PLI_INT32 direction = vpi_get(vpiDirection, net);
             if (direction >= vpiInput && direction <= vpiInout) {
-                ports.push_back({GetText(vpiName, net), net, static_cast<mtiDirectionT>(direction)});
+                ports.push_back({GetText(vpiName, net), net});
             }
         }
         return ports;
     }
+
+    void MarkServed(vpiHandle scope) const override { PutOne(FindObject(vpiNet, scope, SERVED_OBJECT)); }
 };
 
 } // namespace
 
-std::unique_ptr<CSimulator> MakeGhdl() {
+std::unique_ptr<CVpiHost> MakeGhdl() {
     return std::make_unique<CGhdl>();
 }
+
+} // namespace marlune::bridge

@@ -1,14 +1,16 @@
-#include "bridge/vpi/simulator.h"
+// Icarus Verilog as a host.
+#include "bridge/vpi/host.h"
+
+namespace marlune::bridge {
 
 namespace {
 
-vpiHandle FindIn(const std::string& path, const std::string& name) {
-    std::string full = path + "." + name;
-    return vpi_handle_by_name(full.data(), nullptr);
-}
-
-class CIcarus : public CVerilogSimulator {
+/// Processes run when the time step has settled: a run in the event's own callback would race with the design's always
+/// blocks. What they assign starts a new round of the same step.
+class CIcarus : public CVpiHost {
 public:
+    CIcarus() : CVpiHost("xx01zx01x", '.', ERun::WHEN_RELEASED, cbReadWriteSynch) {}
+
     /// Modules and generate scopes: no other kind of scope holds instances.
     std::vector<vpiHandle> GetScopes(vpiHandle scope) const override {
         if (scope == nullptr) {
@@ -25,27 +27,47 @@ public:
     }
 
     std::optional<std::string> FindForeignText(vpiHandle scope) const override {
-        vpiHandle parameter = FindIn(GetPath(scope), FOREIGN_OBJECT);
-        return parameter != nullptr ? std::optional(ReadText(parameter)) : std::nullopt;
+        vpiHandle parameter = FindObject(vpiParameter, scope, FOREIGN_OBJECT);
+        if (parameter == nullptr) {
+            return std::nullopt;
+        }
+        t_vpi_value value{vpiStringVal, {nullptr}};
+        vpi_get_value(parameter, &value);
+        return value.value.str != nullptr ? value.value.str : "";
     }
 
     /// A port object has no value: the net or variable of its name has it.
-    std::vector<SPort> GetPorts(vpiHandle scope) const override {
-        std::vector<SPort> ports;
-        const std::string path = GetPath(scope);
+    std::vector<CVpiPort> GetPorts(vpiHandle scope) const override {
+        std::vector<CVpiPort> ports;
         for (vpiHandle port : GetObjects(vpiPort, scope)) {
             const std::string name = GetText(vpiName, port);
-            const auto direction = static_cast<mtiDirectionT>(vpi_get(vpiDirection, port));
-            if (vpiHandle object = FindIn(path, name)) {
-                ports.push_back({name, object, direction});
+            for (const PLI_INT32 type : {vpiNet, vpiReg, vpiRealVar}) {
+                if (vpiHandle object = FindObject(type, scope, name)) {
+                    ports.push_back({name, object});
+                    break;
+                }
             }
         }
         return ports;
     }
+
+    std::optional<unsigned> FindNumber(vpiHandle scope, const char* name) const override {
+        vpiHandle parameter = FindObject(vpiParameter, scope, name);
+        if (parameter == nullptr) {
+            return std::nullopt;
+        }
+        t_vpi_value value{vpiIntVal, {nullptr}};
+        vpi_get_value(parameter, &value);
+        return static_cast<unsigned>(value.value.integer);
+    }
+
+    void MarkServed(vpiHandle scope) const override { PutOne(FindObject(vpiReg, scope, SERVED_OBJECT)); }
 };
 
 } // namespace
 
-std::unique_ptr<CSimulator> MakeIcarus() {
+std::unique_ptr<CVpiHost> MakeIcarus() {
     return std::make_unique<CIcarus>();
 }
+
+} // namespace marlune::bridge

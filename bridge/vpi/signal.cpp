@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
-#include <utility>
+
+namespace marlune::bridge {
 
 namespace {
-
-mtiTypeIdTag g_StdLogic;
 
 using CPositionTable = std::array<unsigned char, 256>;
 
@@ -23,36 +22,22 @@ constexpr CPositionTable PositionsOfCharacters() {
 
 constexpr CPositionTable POSITIONS = PositionsOfCharacters();
 
-/// 0 for what is neither a bit nor a vector of bits: a real, or a scalar of several bits (VHDL's integers and
-/// enumerations).
+} // namespace
+
 int WidthOf(vpiHandle object) {
     const int width = vpi_get(vpiSize, object);
     const bool isLogic = vpi_get(vpiType, object) != vpiRealVar && (width == 1 || vpi_get(vpiVector, object) != 0);
     return isLogic ? width : 0;
 }
 
-} // namespace
-
-mtiSignalIdTag::mtiSignalIdTag(std::string name, vpiHandle object, const char* literals)
-    : m_Name(std::move(name)), m_Object(object), m_Literals(literals), m_Width(WidthOf(object)) {
-    if (m_Width > 0 && vpi_get(vpiVector, object) != 0) {
-        m_Type = {MTI_TYPE_ARRAY, m_Width, &g_StdLogic};
-    }
-}
-
-void mtiSignalIdTag::Read(unsigned char* positions) const {
+void CVpiSignal::Read(unsigned char* positions) const {
     t_vpi_value value{vpiBinStrVal, {nullptr}};
     vpi_get_value(m_Object, &value);
     const char* text = value.value.str;
     std::transform(text, text + m_Width, positions, [](char c) { return POSITIONS[static_cast<unsigned char>(c)]; });
 }
 
-void mtiSignalIdTag::Drive(mtiLongT value) {
-    const auto position = static_cast<unsigned char>(value);
-    // The interface passes an array's address as a number.
-    const auto* positions = m_Type.m_Kind == MTI_TYPE_ARRAY
-                                ? reinterpret_cast<const unsigned char*>(value) // NOLINT(performance-no-int-to-ptr)
-                                : &position;
+void CVpiSignal::Drive(const unsigned char* positions) {
     if (std::equal(m_Driven.begin(), m_Driven.end(), positions) && !m_Driven.empty()) {
         return;
     }
@@ -60,9 +45,11 @@ void mtiSignalIdTag::Drive(mtiLongT value) {
     Put();
 }
 
-void mtiSignalIdTag::Put() {
+void CVpiSignal::Put() {
     m_Text.resize(m_Driven.size());
     std::transform(m_Driven.begin(), m_Driven.end(), m_Text.begin(), [this](auto p) { return m_Literals[p]; });
     t_vpi_value value{vpiBinStrVal, {m_Text.data()}};
     vpi_put_value(m_Object, &value, nullptr, vpiNoDelay);
 }
+
+} // namespace marlune::bridge

@@ -5,7 +5,7 @@
 #
 # IMAGE is loaded in place of the assembled ones; its contents must be the same.
 #
-# The build folder holds the library and the bridge; what comes into being goes to its folder examples/verilator, or, when
+# The build folder holds the libraries; what comes into being goes to its folder examples/verilator, or, when
 # blanks and the like are in that path, which Verilator and make refuse, to a folder of its own in /tmp.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
@@ -27,11 +27,10 @@ awk -f source/examples/verilator/assemble.awk source/examples/verilator/program.
 printf "$(awk -v form=elf -f source/examples/verilator/assemble.awk source/examples/verilator/program.s)" > program.elf
 
 log=$work/build.log
-if ! verilator --cc --exe --build -j 2 --timing --vpi --prefix Vtop --top-module processor_tb --Mdir model \
-    -CFLAGS -std=c++20 -LDFLAGS "-rdynamic -L../lib -lmarlune_fli_memory -lmarlune_fli_vpi" \
-    source/hdl/marlune_memory.vlt source/hdl/marlune_dpi.sv source/hdl/marlune_memory.v \
-    source/examples/verilator/processor.sv source/examples/verilator/processor_tb.sv \
-    source/hdl/marlune_verilator_main.cpp > "$log" 2>&1; then
+if ! verilator --binary --timing -j 2 --top-module processor_tb --Mdir model -o processor_tb \
+    source/hdl/marlune_dpi.sv source/hdl/marlune_memory.sv source/examples/verilator/processor.sv \
+    source/examples/verilator/processor_tb.sv \
+    -LDFLAGS "-L../lib -lmarlune_direct -lmarlune_fli_memory" > "$log" 2>&1; then
     cat "$log" >&2
     exit 1
 fi
@@ -39,5 +38,5 @@ images=(program.vexon program.elf)
 [[ -z ${2-} ]] || images=("$2")
 for image in "${images[@]}"; do
     echo "  $image"
-    LD_LIBRARY_PATH=lib${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} model/Vtop +image="$image" +text=program.vexon
+    LD_LIBRARY_PATH=lib${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} model/processor_tb +image="$image" +text=program.vexon
 done

@@ -8,10 +8,13 @@ use ieee.std_logic_1164.all;
 use ieee.numeric_std.all;
 use std.env.finish;
 use std.textio.all;
+use work.marlune_testbench.all;
 use work.reference_memory.all;
 
 entity memory_tb is
-  generic (CYCLES : positive := 20_000);
+  generic (
+    CYCLES : positive := 20_000;
+    IMAGE  : string := "source/examples/vhdl/squares.vexon");
 end entity;
 
 architecture test of memory_tb is
@@ -42,7 +45,9 @@ architecture test of memory_tb is
 
 begin
 
+  -- Its address ports reach twice as far as its cells: the test ends with accesses out of range.
   dense_memory : entity work.marlune_memory
+    generic map (ADDRESS_BITS => 11, DATA_BITS => 32, PARAMETERS => "0 32 1024")
     port map (clk,
               '0', std_logic_vector(dense.read_address(10 downto 0)), dense_q,
               dense.enable, std_logic_vector(dense.write_address(10 downto 0)), dense.data(31 downto 0));
@@ -227,6 +232,33 @@ begin
       writeline(output, l);
     end procedure;
 
+    -- The table of squares in an image of the same name goes to the dense memory's first cells, then some words from here.
+    -- The model gets them too, and everything is read back.
+    procedure load_and_poke is
+      constant SQUARES : natural := 16;
+      variable value   : word;
+      variable cell    : std_logic_vector(31 downto 0);
+    begin
+      load_image("memory_tb.dense_memory", IMAGE, "table");
+      for i in 0 to 31 loop
+        if i < SQUARES then
+          value := std_logic_vector(to_unsigned(i * i, value'length));
+        else
+          value := extended(random_word(31 downto 0));
+          poke(memory_tb'path_name & "dense_memory", i, value);
+        end if;
+        peek("/memory_tb/dense_memory", i, cell);
+        compared := compared + 1;
+        if cell /= value(31 downto 0) then
+          wrong := wrong + 1;
+          report "cell " & integer'image(i) & " is " & to_hstring(cell) severity error;
+        end if;
+        dense_model.write(1, true, to_unsigned(i, 32), value);
+        dense_model.clock_edge;
+      end loop;
+      say("An image of " & integer'image(SQUARES) & " words loaded, and 16 words poked: 32 words read back.");
+    end procedure;
+
   begin
     dense_model.configure(false, 32d"1024");
     sync_model.configure(true, 32d"256");
@@ -234,6 +266,7 @@ begin
     wide_model.configure(true, 32d"64");
     sparse_model.configure(false, 32d"4294967295");
     choose_sparse_addresses;
+    load_and_poke;
 
     for i in 1 to CYCLES loop
       -- Shared ports change at the falling edge: a chip select that goes off in a rising edge's time step takes back the
@@ -257,7 +290,7 @@ begin
     wait until rising_edge(clk);
     finish_cycle;
 
-    say("An access beyond a memory's end is told and changes nothing; here one read and one write:");
+    say("An out-of-range access is reported and has no effect; here one read and one write:");
     dense.read_address <= 32d"1500";
     dense.write_address <= 32d"1600";
     dense.enable <= '1';

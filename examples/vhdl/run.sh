@@ -3,8 +3,8 @@
 #
 # usage: run.sh BUILD-FOLDER [GENERIC=VALUE ...]
 #
-# The build folder holds the library and the bridge; what comes into being, memory_tb.ghw among it (the waveform), goes to
-# its folder examples/vhdl.
+# The build folder holds the libraries. The results, the waveform memory_tb.ghw among them, go to its folder
+# examples/vhdl.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 build=$(cd "$1" && pwd)
@@ -14,9 +14,9 @@ mkdir -p "$work"
 cd "$work"
 ln -sfn "$root" source
 
-ghdl -a --std=08 source/hdl/marlune_fli.vhd source/hdl/marlune_memory.vhd source/examples/vhdl/memories.vhd \
-    source/examples/vhdl/reference_memory.vhd source/examples/vhdl/memory_tb.vhd
-ghdl -e --std=08 memory_tb
-ghdl -r --std=08 memory_tb "${@/#/-g}" --vpi="$build/libmarlune_fli_vpi.so" --wave=memory_tb.ghw 2>&1 |
-    sed '/VPI module/d'
+rm -f work-obj08.cf # of an earlier run, perhaps with other sources
+ghdl -i --std=08 source/hdl/ghdl/*.vhd source/examples/vhdl/*.vhd
+ghdl -m --std=08 memory_tb
+LD_LIBRARY_PATH=$build${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} \
+    ghdl -r --std=08 memory_tb "${@/#/-g}" --wave=memory_tb.ghw
 echo "Waveform: $work/memory_tb.ghw"

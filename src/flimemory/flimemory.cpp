@@ -1,28 +1,30 @@
 #include "src/flimemory/flimemory.h"
 
-#include <algorithm>
-#include <cctype>
+#include <array>
+#include <cstdint>
 #include <exception>
 #include <initializer_list>
-#include <iterator>
 #include <map>
 #include <memory>
-#include <stdexcept>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
-#include <vector>
 
 #include "general_error"
-#include "number_cast"
 #include "objectfile/objectfile.h"
+#include "src/flimemory/direct.h"
 #include "src/flimemory/loadmemory.h"
+#include "src/flimemory/loadreport.h"
 #include "src/flimemory/logicvector.h"
+#include "src/flimemory/parameters.h"
 #include "src/flimemory/processinfo.h"
 #include "src/flimemory/projectname.h"
 #include "src/flimemory/simulatortext.h"
 #include "src/flimemory/storage.h"
+#include "src/flimemory/storageregistry.h"
+#include "src/flimemory/vectorvalues.h"
 
 namespace marlune::foreign::fli {
 
@@ -30,22 +32,13 @@ namespace {
 
 using exceptions::CGeneralError;
 
-const std::string RTLClockName = "CLK";
-const std::string RTLWriteDataName = "D0";
-const std::string RTLReadDataName = "Q0";
-const std::string RTLReadEnableName = "RE0";
-const std::string RTLWriteEnableName = "WE0";
-const std::string RTLAddressName = "A0";
-const std::string RTLReadAddressName = "R" + RTLAddressName;
-const std::string RTLWriteAddressName = "W" + RTLAddressName;
-const std::string RTLChipSelectName = "CS0";
-
-/// The storages by normalised instance name, borrowed from their CProcessInfo. Hashed, for a test bench looks a name up
-/// at every access.
-std::unordered_map<std::string, CStorage*> g_Storages;
+CStorageRegistry g_Storages;
 
 /// The loaded program images by file name, as passed.
 std::map<std::string, std::unique_ptr<const ObjectFile::CObjectFile>> g_Executables;
+
+/// The last load, for a question that may follow. It is forgotten with the image.
+std::optional<CPastLoad> g_LastLoad;
 
 /// The one way in which an error leaves the library: its text goes into the simulator's Tcl variable, as it is, and the
 /// simulation stops.
@@ -67,127 +60,6 @@ void RunGuarded(TBody&& body) {
 
 // Elaboration
 
-struct CParameters {
-    bool m_ReadIsSynchronous = false;
-    unsigned m_ByteBitWidth = 0;
-    unsigned m_SizeInBytes = 0;
-};
-
-/// Splits at blanks; no argument is empty.
-std::vector<std::string> SplitArguments(const std::string& text) {
-    std::vector<std::string> arguments;
-    std::size_t begin = 0;
-    while (begin < text.size()) {
-        const std::size_t end = std::min(text.find(' ', begin), text.size());
-        if (end > begin) {
-            arguments.push_back(text.substr(begin, end - begin));
-        }
-        begin = end + 1;
-    }
-    return arguments;
-}
-
-CParameters ParseParameters(const std::string& text) {
-    constexpr std::size_t ARGUMENT_COUNT = 3;
-    const std::vector<std::string> arguments = SplitArguments(text);
-    if (arguments.size() != ARGUMENT_COUNT) {
-        throw CGeneralError("At least " + std::to_string(ARGUMENT_COUNT) +
-                            " arguments are needed: <read_is_synchronous> <byte_bit_width> <size_in_bytes>");
-    }
-    CParameters parameters;
-    int suffixBits = 0;
-    parameters.m_ReadIsSynchronous = detail::number_cast<bool>::Convert(arguments[0], suffixBits);
-    parameters.m_ByteBitWidth = detail::number_cast<unsigned>::Convert(arguments[1], suffixBits);
-    parameters.m_SizeInBytes = detail::number_cast<unsigned>::Convert(arguments[2], suffixBits);
-    if (parameters.m_ByteBitWidth == 0) {
-        throw CGeneralError("Byte bit with must be greater than zero");
-    }
-    return parameters;
-}
-
-mtiSignalIdT FindClock(mtiInterfaceListT* ports) {
-    std::string name = RTLClockName; // the simulator takes names as writable text
-    const mtiSignalIdT clock = mti_FindPort(ports, name.data());
-    if (clock == nullptr) {
-        throw CGeneralError("Cannot find " + name + " port.");
-    }
-    return clock;
-}
-
-/// Stores the port's signal into the target if the port's name ends in the role, upper or lower case.
-void HandlePort(mtiSignalIdTag** target, const std::string& role, const mtiInterfaceListStruct_* port) {
-    if (target == nullptr || port == nullptr) {
-        throw CGeneralError("Ports are not set.");
-    }
-    const std::string_view name = port->name;
-    if (name.size() < role.size()) {
-        throw std::out_of_range("basic_string::substr"); // the text that users know, whatever the library's own is
-    }
-    const auto sameLetter = [](char a, char b) {
-        return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
-    };
-    if (std::equal(role.begin(), role.end(), name.end() - static_cast<std::ptrdiff_t>(role.size()), sameLetter)) {
-        *target = port->u.port;
-    }
-}
-
-/// Where the signal of a role goes in the record of a kind of port.
-template <typename TPort>
-struct CRole {
-    mtiSignalIdTag* TPort::*m_Field;
-    const std::string& m_Name;
-};
-
-const CRole<CReadPort> READ_ROLES[] = {
-    {&CReadPort::m_Data, RTLReadDataName},
-    {&CReadPort::m_Address, RTLReadAddressName},
-    {&CReadPort::m_Enable, RTLReadEnableName},
-};
-const CRole<CWritePort> WRITE_ROLES[] = {
-    {&CWritePort::m_Data, RTLWriteDataName},
-    {&CWritePort::m_Address, RTLWriteAddressName},
-    {&CWritePort::m_Enable, RTLWriteEnableName},
-};
-const CRole<CSharedPort> SHARED_ROLES[] = {
-    {&CSharedPort::m_ReadData, RTLReadDataName},     {&CSharedPort::m_WriteData, RTLWriteDataName},
-    {&CSharedPort::m_Address, RTLAddressName},       {&CSharedPort::m_WriteEnable, RTLWriteEnableName},
-    {&CSharedPort::m_ChipSelect, RTLChipSelectName},
-};
-
-template <typename TPort, std::size_t COUNT>
-void HandleRoles(std::map<std::string, TPort>& ports, const std::string& prefix, const CRole<TPort> (&roles)[COUNT],
-                 const mtiInterfaceListT* port) {
-    TPort& record = ports[prefix];
-    for (const CRole<TPort>& role : roles) {
-        HandlePort(&(record.*role.m_Field), role.m_Name, port);
-    }
-}
-
-template <typename TPort>
-void DropIncomplete(std::map<std::string, TPort>& ports) {
-    for (auto port = ports.begin(); port != ports.end();) {
-        port = port->second.IsComplete() ? std::next(port) : ports.erase(port);
-    }
-}
-
-/// Every port is tried for every role of its prefix: only the name's end is compared, so an "RA0" is an "A0" as well.
-void GroupPorts(CProcessInfo& process, const mtiInterfaceListT* ports) {
-    for (const mtiInterfaceListT* port = ports; port != nullptr; port = port->nxt) {
-        if (port->u.port == nullptr) {
-            continue;
-        }
-        const std::string name = port->name;
-        const std::size_t separator = name.rfind('_');
-        const std::string prefix = separator == std::string::npos ? "" : name.substr(0, separator);
-        HandleRoles(process.m_ReadPorts, prefix, READ_ROLES, port);
-        HandleRoles(process.m_WritePorts, prefix, WRITE_ROLES, port);
-        HandleRoles(process.m_SharedPorts, prefix, SHARED_ROLES, port);
-    }
-    DropIncomplete(process.m_ReadPorts);
-    DropIncomplete(process.m_WritePorts);
-    DropIncomplete(process.m_SharedPorts);
-}
-
 void Sensitize(mtiProcessIdT process, std::initializer_list<mtiSignalIdT> signals) {
     for (const mtiSignalIdT signal : signals) {
         mti_Sensitize(process, signal, MTI_EVENT);
@@ -203,16 +75,17 @@ mtiDriverIdT CreateOwnedDriver(mtiProcessIdT process, mtiSignalIdT signal) {
 void CreateProcess(CProcessInfo& info) {
     const mtiProcessIdT process = mti_CreateProcess(nullptr, marlune_fli_memory_process, &info);
     Sensitize(process, {info.m_Clock});
-    for (auto& [prefix, port] : info.m_ReadPorts) {
-        port.m_Driver = CreateOwnedDriver(process, port.m_Data);
-        Sensitize(process, {port.m_Address});
+    for (CReadPort& port : info.m_Ports.m_ReadPorts) {
+        port.m_Driver = CreateOwnedDriver(process, port.m_Data.m_Handle);
+        Sensitize(process, {port.m_Address.m_Handle});
     }
-    for (const auto& [prefix, port] : info.m_WritePorts) {
-        Sensitize(process, {port.m_Enable, port.m_Address, port.m_Data});
+    for (const CWritePort& port : info.m_Ports.m_WritePorts) {
+        Sensitize(process, {port.m_Enable.m_Handle, port.m_Address.m_Handle, port.m_Data.m_Handle});
     }
-    for (auto& [prefix, port] : info.m_SharedPorts) {
-        port.m_Driver = CreateOwnedDriver(process, port.m_ReadData);
-        Sensitize(process, {port.m_WriteData, port.m_Address, port.m_WriteEnable, port.m_ChipSelect});
+    for (CSharedPort& port : info.m_Ports.m_SharedPorts) {
+        port.m_Driver = CreateOwnedDriver(process, port.m_ReadData.m_Handle);
+        Sensitize(process, {port.m_WriteData.m_Handle, port.m_Address.m_Handle, port.m_WriteEnable.m_Handle,
+                            port.m_ChipSelect.m_Handle});
     }
 }
 
@@ -222,13 +95,13 @@ void Elaborate(mtiRegionIdT region, const char* parameterText, mtiInterfaceListT
     char* path = mti_GetRegionFullName(region);
     auto storage =
         std::make_unique<CStorage>(std::string(path).erase(0, 1), parameters.m_ByteBitWidth, parameters.m_SizeInBytes);
-    auto process = std::make_unique<CProcessInfo>(region, std::move(storage), clock, parameters.m_ReadIsSynchronous);
-    GroupPorts(*process, ports);
+    auto process = std::make_unique<CProcessInfo>(region, std::move(storage), clock, GroupPorts(ports),
+                                                  parameters.m_ReadIsSynchronous);
 
     // From here on the simulator holds the instance, until it hands it to CleanCallback.
     CProcessInfo* info = process.release();
     CreateProcess(*info);
-    g_Storages[FixProjectName(info->m_Storage->m_Name)] = info->m_Storage.get();
+    g_Storages.Set(FixProjectName(info->m_Storage->m_Name), info->m_Storage.get());
     mti_AddQuitCB(CleanCallback, info);
     mti_AddRestartCB(CleanCallback, info);
     mti_VsimFree(path); // not on an error, which ends the simulation
@@ -236,17 +109,17 @@ void Elaborate(mtiRegionIdT region, const char* parameterText, mtiInterfaceListT
 
 /// Takes the instance that the simulator hands back out of the registry.
 void Withdraw(const CProcessInfo& process) {
-    g_Storages.erase(FixProjectName(process.m_Storage->m_Name));
+    g_Storages.Erase(FixProjectName(process.m_Storage->m_Name));
 }
 
 // Test bench access
 
-CStorage* GetStorage(const std::string& key) {
-    const auto found = g_Storages.find(key);
-    if (found == g_Storages.end() || found->second == nullptr) {
-        throw CGeneralError("Cannot find memory object with name '" + key + "'.");
+CStorage* GetStorage(std::string_view key) {
+    CStorage* const storage = g_Storages.Find(key);
+    if (storage == nullptr) {
+        throw CGeneralError("Cannot find memory object with name '" + std::string(key) + "'.");
     }
-    return found->second;
+    return storage;
 }
 
 template <typename T>
@@ -259,9 +132,7 @@ T* RequireNonNull(T* argument, const char* what) {
 
 /// The storage of exactly this name.
 CStorage& StorageNamed(const char* name) {
-    static std::string key; // keeps its capacity: an access allocates nothing
-    key = RequireNonNull(name, "Memory name");
-    return *GetStorage(key);
+    return *GetStorage(RequireNonNull(name, "Memory name"));
 }
 
 /// The program image in the file, read on first use. One that cannot be read is not remembered.
@@ -294,15 +165,74 @@ void marlune_fli_memory_init(mtiRegionIdT region, char* parameters, mtiInterface
 }
 
 void marlune_fli_memory_process(void* param) {
-    CProcessInfo& process = *static_cast<CProcessInfo*>(param);
-    if (process.IsRisingEdgeCLK()) {
-        process.ServePorts();
-    }
+    RunGuarded([&] {
+        CProcessInfo& process = *static_cast<CProcessInfo*>(param);
+        if (process.IsRisingEdgeCLK()) {
+            process.ServePorts();
+        }
+    });
+}
+
+void marlune_direct_bind(void* process) {
+    BindPorts(static_cast<CProcessInfo*>(process)->m_Ports);
+}
+
+int marlune_direct_wake(void* process, uint32_t now, int clock, const uint64_t* inputs, uint64_t* outputs) {
+    int result = MARLUNE_DIRECT_NO_EDGE;
+    RunGuarded([&] {
+        CProcessInfo& info = *static_cast<CProcessInfo*>(process);
+        if (clock == MARLUNE_DIRECT_ROSE) {
+            info.m_LastEdge = false; // as an evaluation at that time would have found
+        }
+        if (info.EvaluateEdge(now, clock != MARLUNE_DIRECT_LOW)) {
+            CVectorValues values(inputs, outputs);
+            info.ServePorts(values, clock == MARLUNE_DIRECT_ROSE);
+            result = values.HasChanged() ? MARLUNE_DIRECT_CHANGED : MARLUNE_DIRECT_SERVED;
+        }
+    });
+    return result;
+}
+
+const char* marlune_direct_load_warning() {
+    static std::string text;
+    text.clear();
+    RunGuarded([&] {
+        if (g_LastLoad && marlune::foreign::HasStoredNothing(*g_LastLoad)) {
+            text = marlune::foreign::DescribeEmptyLoad(*g_LastLoad);
+        }
+    });
+    return text.empty() ? nullptr : text.c_str();
+}
+
+const char* marlune_direct_only_space(const char* file) {
+    static std::string name;
+    bool isOnly = false;
+    RunGuarded([&] {
+        const std::set<std::string> spaces =
+            marlune::foreign::LoadableSpaces(Executable(RequireNonNull(file, "File name")));
+        isOnly = spaces.size() == 1;
+        name = isOnly ? *spaces.begin() : "";
+    });
+    return isOnly ? name.c_str() : nullptr;
+}
+
+void marlune_direct_visit_cells(const char* name, uint32_t first, uint32_t last,
+                                void (*visit)(void* context, uint32_t address, const uint32_t* limbs), void* context) {
+    RunGuarded([&] {
+        StorageNamed(name).VisitCells(first, last, [&](std::uint32_t address, const CStorage::CWord& word) {
+            std::array<std::uint32_t, CStorage::CWord::LIMB_COUNT> limbs{};
+            for (unsigned i = 0; i < limbs.size(); ++i) {
+                limbs[i] = word.Limb(i);
+            }
+            visit(context, address, limbs.data());
+        });
+    });
 }
 
 void CleanCallback(void* param) {
     std::unique_ptr<CProcessInfo> process(static_cast<CProcessInfo*>(param));
     RunGuarded([&] {
+        g_LastLoad.reset();
         g_Executables.clear();
         const std::unique_ptr<CProcessInfo> released = std::move(process); // gone before an error is reported
         if (released != nullptr) {
@@ -320,15 +250,25 @@ void marlune_dpi_memory_init(char const* name, char const* fileName, char const*
         const ObjectFile::CObjectFile& image = Executable(RequireNonNull(fileName, "File name"));
         CStorage& storage = *GetStorage(InstanceOfMemory(memory));
         marlune::foreign::LoadMemory(storage, image, space, cellBase, lowAddress, highAddress, phase, stride, false);
+        g_LastLoad = {&image,
+                      space,
+                      {cellBase, lowAddress, highAddress, phase, stride},
+                      {storage.m_Name, storage.m_ByteBitWidth, storage.m_Size}};
     });
 }
 
 void marlune_dpi_memory_write(char const* name, unsigned int address, t_vpi_vecval const* data) {
     RunGuarded([&] {
         CStorage& storage = StorageNamed(name);
-        CStorage::CWord value;
-        marlune::dpi::SVLV2CI(value, RequireNonNull(data, "Data vector"), static_cast<int>(storage.m_ByteBitWidth));
-        storage.Write(address, value);
+        RequireNonNull(data, "Data vector");
+        const auto width = static_cast<int>(storage.m_ByteBitWidth);
+        if (storage.HoldsNumbers()) {
+            storage.Write(address, marlune::dpi::GetBits(data, 0, width));
+        } else {
+            CStorage::CWord value;
+            marlune::dpi::SVLV2CI(value, data, width);
+            storage.Write(address, value);
+        }
     });
 }
 
@@ -336,6 +276,13 @@ void marlune_dpi_memory_read(char const* name, unsigned int address, t_vpi_vecva
     RunGuarded([&] {
         CStorage& storage = StorageNamed(name);
         RequireNonNull(data, "Data vector");
-        marlune::dpi::CI2SVLV(data, storage.Read(address), static_cast<int>(storage.m_ByteBitWidth));
+        const auto width = static_cast<int>(storage.m_ByteBitWidth);
+        if (storage.HoldsNumbers()) {
+            std::uint64_t value = 0;
+            storage.Read(address, value);
+            marlune::dpi::PutBits(data, 0, width, value);
+        } else {
+            marlune::dpi::CI2SVLV(data, storage.Read(address), width);
+        }
     });
 }

@@ -1,30 +1,72 @@
 #include "src/flimemory/logicvector.h"
 
-#include <cstdint>
+#include <algorithm>
 
 namespace marlune::dpi {
 
 namespace {
 
-constexpr int VALUE_BITS = 1024;
-constexpr int LIMB_BITS = 32;
+using CWord = marlune_int<1024, true>;
+
+constexpr int LIMB_BITS = CWord::LIMB_BITS;
+constexpr int LIMB_COUNT = CWord::LIMB_COUNT;
+
+// The calls for the single bits are most of what an access costs. Bits are collected in a register, and eight calls
+// share the steps of a loop.
+constexpr int GROUP = 8;
+
+std::uint64_t GetBit(const t_vpi_vecval* vector, int index) {
+    return svGetBitselLogic(vector, index) == sv_1 ? 1 : 0;
+}
+
+void PutBit(t_vpi_vecval* vector, int index, std::uint64_t bit) {
+    svPutBitselLogic(vector, index, (bit & 1U) != 0 ? sv_1 : sv_0);
+}
 
 } // namespace
 
+std::uint64_t GetBits(const t_vpi_vecval* vector, int first, int count) {
+    std::uint64_t bits = 0;
+    int done = 0;
+    for (; done + GROUP <= count; done += GROUP) {
+        std::uint64_t group = 0;
+        group |= GetBit(vector, first + done);
+        group |= GetBit(vector, first + done + 1) << 1U;
+        group |= GetBit(vector, first + done + 2) << 2U;
+        group |= GetBit(vector, first + done + 3) << 3U;
+        group |= GetBit(vector, first + done + 4) << 4U;
+        group |= GetBit(vector, first + done + 5) << 5U;
+        group |= GetBit(vector, first + done + 6) << 6U;
+        group |= GetBit(vector, first + done + 7) << 7U;
+        bits |= group << static_cast<unsigned>(done);
+    }
+    for (; done < count; ++done) {
+        bits |= GetBit(vector, first + done) << static_cast<unsigned>(done);
+    }
+    return bits;
+}
+
+void PutBits(t_vpi_vecval* vector, int first, int count, std::uint64_t bits) {
+    for (int done = 0; done < count; ++done, bits >>= 1U) {
+        PutBit(vector, first + done, bits);
+    }
+}
+
 void SVLV2CI(marlune_int<1024, true>& target, const t_vpi_vecval* vector, int width) {
-    target = marlune_int<1024, true>();
-    for (int i = 0; i < width; ++i) {
-        const bool isOne = svGetBitselLogic(vector, i) == sv_1;
-        if (isOne && i < VALUE_BITS) {
-            const auto limb = static_cast<unsigned>(i / LIMB_BITS);
-            target.SetLimb(limb, target.Limb(limb) | 1U << (i % LIMB_BITS));
+    target = CWord();
+    for (int first = 0, limb = 0; first < width; first += LIMB_BITS, ++limb) {
+        const std::uint64_t bits = GetBits(vector, first, std::min(width - first, LIMB_BITS));
+        if (limb < LIMB_COUNT) {
+            target.SetLimb(static_cast<unsigned>(limb), static_cast<std::uint32_t>(bits));
         }
     }
 }
 
 void CI2SVLV(t_vpi_vecval* vector, const marlune_int<1024, true>& value, int width) {
-    for (int i = 0; i < width; ++i) {
-        svPutBitselLogic(vector, i, value.Bit(static_cast<unsigned>(i)) ? sv_1 : sv_0);
+    const std::uint32_t sign = value.IsNegative() ? ~std::uint32_t{0} : 0;
+    for (int first = 0, limb = 0; first < width; first += LIMB_BITS, ++limb) {
+        PutBits(vector, first, std::min(width - first, LIMB_BITS),
+                limb < LIMB_COUNT ? value.Limb(static_cast<unsigned>(limb)) : sign);
     }
 }
 

@@ -1,5 +1,8 @@
+// Conversion between the logic vectors of the test bench interface and numbers.
 #ifndef MARLUNE_FLIMEMORY_LOGICVECTOR_H
 #define MARLUNE_FLIMEMORY_LOGICVECTOR_H
+
+#include <cstdint>
 
 #include "marlune_int"
 #include "svdpi.h"
@@ -12,6 +15,10 @@ void SVLV2CI(marlune_int<1024, true>& target, const t_vpi_vecval* vector, int wi
 
 /// Writes the value's low bits, as many as the width says, to the vector as 0 and 1; the vector's other bits stay.
 void CI2SVLV(t_vpi_vecval* vector, const marlune_int<1024, true>& value, int width);
+
+/// The same for at most 64 bits of the vector from the first on.
+std::uint64_t GetBits(const t_vpi_vecval* vector, int first, int count);
+void PutBits(t_vpi_vecval* vector, int first, int count, std::uint64_t bits);
 
 } // namespace marlune::dpi
 

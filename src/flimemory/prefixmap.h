@@ -1,75 +1,68 @@
+// Per-prefix state that is emptied and filled again at every clock edge.
 #ifndef MARLUNE_FLIMEMORY_PREFIXMAP_H
 #define MARLUNE_FLIMEMORY_PREFIXMAP_H
 
-#include <algorithm>
 #include <cstddef>
-#include <string>
-#include <utility>
-#include <vector>
+#include <memory>
 
 namespace marlune::foreign::fli {
 
-/// An ordered map from port prefix to T for state that is emptied and filled again at every edge: an entry that goes
-/// leaves its place behind, so that it comes back without allocating.
+/// An ordered map from port prefix to T. The set of possible prefixes is fixed when an instance is elaborated, so a
+/// prefix is named by its index in that set, whose order is the map's.
+///
+/// Implementation note: an array with a place for each possible entry. No operation allocates, and an entry that is
+/// created again reuses its place.
 template <typename T>
 class CPrefixMap {
 public:
-    /// The prefix's value; an absent entry is created as T().
-    T& operator[](const std::string& prefix) {
-        auto place = LowerBound(prefix);
-        if (place == m_Places.end() || place->m_Prefix != prefix) {
-            place = m_Places.insert(place, CPlace{prefix, T(), true});
-        } else if (!place->m_Present) {
-            place->m_Value = T();
-            place->m_Present = true;
+    explicit CPrefixMap(std::size_t prefixes)
+        : m_Count(prefixes), m_Places(prefixes > 0 ? std::make_unique<CPlace[]>(prefixes) : nullptr) {}
+
+    /// The value of the prefix; an absent entry is created as T().
+    T& operator[](std::size_t prefix) {
+        CPlace& place = m_Places[prefix];
+        if (!place.m_Present) {
+            place.m_Value = T();
+            place.m_Present = true;
         }
-        return place->m_Value;
+        return place.m_Value;
     }
 
-    void erase(const std::string& prefix) {
-        const auto place = LowerBound(prefix);
-        if (place != m_Places.end() && place->m_Prefix == prefix) {
-            place->m_Present = false;
-        }
+    /// Inserts or overwrites the entry.
+    void Set(std::size_t prefix, const T& value) {
+        m_Places[prefix].m_Value = value;
+        m_Places[prefix].m_Present = true;
     }
+
+    void erase(std::size_t prefix) { m_Places[prefix].m_Present = false; }
 
     void clear() {
-        for (CPlace& place : m_Places) {
-            place.m_Present = false;
-        }
+        Drain([](const T&) {});
     }
 
-    void swap(CPrefixMap& other) noexcept { m_Places.swap(other.m_Places); }
-
-    std::size_t size() const {
-        return static_cast<std::size_t>(
-            std::count_if(m_Places.begin(), m_Places.end(), [](const CPlace& place) { return place.m_Present; }));
-    }
-    bool empty() const { return size() == 0; }
-
-    /// Calls visit(prefix, value) for each entry, ordered by prefix.
+    /// Takes all entries out, in the order of the prefixes, and calls visit(value) for each.
     template <typename TVisitor>
-    void ForEach(TVisitor&& visit) const {
-        for (const CPlace& place : m_Places) {
+    void Drain(TVisitor&& visit) {
+        for (std::size_t i = 0; i < m_Count; ++i) {
+            CPlace& place = m_Places[i];
             if (place.m_Present) {
-                visit(place.m_Prefix, place.m_Value);
+                place.m_Present = false;
+                visit(place.m_Value);
             }
         }
     }
 
+    /// Of two maps with the same prefixes.
+    void swap(CPrefixMap& other) noexcept { m_Places.swap(other.m_Places); }
+
 private:
     struct CPlace {
-        std::string m_Prefix;
-        T m_Value;
-        bool m_Present;
+        T m_Value{};
+        bool m_Present = false;
     };
 
-    typename std::vector<CPlace>::iterator LowerBound(const std::string& prefix) {
-        return std::lower_bound(m_Places.begin(), m_Places.end(), prefix,
-                                [](const CPlace& place, const std::string& wanted) { return place.m_Prefix < wanted; });
-    }
-
-    std::vector<CPlace> m_Places; // ordered by prefix
+    std::size_t m_Count;
+    std::unique_ptr<CPlace[]> m_Places;
 };
 
 } // namespace marlune::foreign::fli

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bitset>
 #include <iterator>
+#include <utility>
 
 namespace marlune::foreign::fli {
 
@@ -30,6 +31,10 @@ unsigned CSparseCells::CBlock::Rank(unsigned cell) const {
         return cell;
     }
     return CountOnes(below);
+}
+
+unsigned CSparseCells::CBlock::CountPresent() const {
+    return CountOnes(m_Present);
 }
 
 unsigned CSparseCells::CBlock::Insert(std::uint32_t number, std::uint64_t cells) {
@@ -106,10 +111,14 @@ std::size_t CSparseCells::count(std::uint32_t address) const {
 }
 
 /// Fibonacci hashing, which spreads runs of numbers evenly (D. Knuth, The Art of Computer Programming, volume 3,
-/// section 6.4), and linear probing.
-std::size_t CSparseCells::SlotOf(const std::vector<CBlock>& slots, std::uint32_t number) {
+/// section 6.4).
+std::size_t CSparseCells::HomeSlot(std::size_t slots, std::uint32_t number) {
     const std::uint64_t hash = (number * std::uint64_t{0x9E3779B97F4A7C15}) >> 32U;
-    auto slot = static_cast<std::size_t>((hash * slots.size()) >> 32U);
+    return static_cast<std::size_t>((hash * slots) >> 32U);
+}
+
+std::size_t CSparseCells::SlotOf(const std::vector<CBlock>& slots, std::uint32_t number) {
+    std::size_t slot = HomeSlot(slots.size(), number);
     while (!slots[slot].IsFree() && slots[slot].Number() != number) {
         slot = (slot + 1) & (slots.size() - 1);
     }
@@ -133,7 +142,7 @@ CSparseCells::CBlock& CSparseCells::BlockWith(std::uint32_t number, std::uint64_
         return m_Slots[slot];
     }
     const bool isNew = m_Slots[slot].IsFree();
-    if (isNew && (m_BlockCount + 1) * 4 > m_Slots.size() * 3) {
+    if (isNew && (m_Numbers.size() + 1) * 4 > m_Slots.size() * 3) {
         AddSlots();
         slot = FindSlot(number);
     }
@@ -143,7 +152,9 @@ CSparseCells::CBlock& CSparseCells::BlockWith(std::uint32_t number, std::uint64_
     } else {
         m_Size += block.Insert(number, cells);
     }
-    m_BlockCount += isNew ? 1 : 0;
+    if (isNew) {
+        m_Numbers.push_back(number);
+    }
     return block;
 }
 
@@ -183,28 +194,12 @@ void CSparseCells::FillZero(std::uint32_t first, std::uint32_t count) {
 }
 
 void CSparseCells::FillBlocks(std::uint32_t first, std::uint32_t last) {
-    std::uint64_t added = std::uint64_t{last} - first + 1; // blocks of which no cell has been counted
-    const auto clear = [&](CBlock& block) {
-        m_Size += block.Insert(block.Number(), ALL_CELLS);
-        for (unsigned cell = 0; cell < BLOCK_CELLS; ++cell) {
-            Write(block.Number() * BLOCK_CELLS + cell, CWord());
-        }
-        added -= IsInZeroRun(block.Number()) ? 0 : 1;
-    };
-    if (added < m_Slots.size()) {
-        for (std::uint32_t number = first; number - first <= last - first; ++number) {
-            CBlock& block = m_Slots[SlotOf(m_Slots, number)];
-            if (!block.IsFree()) {
-                clear(block);
-            }
-        }
-    } else {
-        for (CBlock& block : m_Slots) {
-            if (!block.IsFree() && block.Number() >= first && block.Number() <= last) {
-                clear(block);
-            }
-        }
-    }
+    const auto [begin, end] = Numbers(first, last);
+    std::for_each(begin, end, [this](std::uint32_t number) { DropBlock(number); });
+    m_Numbers.erase(begin, end);
+    m_SortedNumbers = m_Numbers.size();
+
+    std::uint64_t added = std::uint64_t{last} - first + 1; // blocks that no run has counted
     auto run = m_ZeroRuns.upper_bound(first);
     if (run != m_ZeroRuns.begin() && std::prev(run)->second >= first) {
         --run;
@@ -221,9 +216,41 @@ void CSparseCells::FillBlocks(std::uint32_t first, std::uint32_t last) {
     m_Size += added * BLOCK_CELLS;
 }
 
+/// Takes a block out of the table, and moves up what stands after it because its own slot was taken (D. Knuth, The Art
+/// of Computer Programming, volume 3, section 6.4, algorithm R).
+void CSparseCells::DropBlock(std::uint32_t number) {
+    std::size_t hole = SlotOf(m_Slots, number);
+    CBlock& dropped = m_Slots[hole];
+    for (unsigned cell = 0; cell < BLOCK_CELLS; ++cell) {
+        if (dropped.IsWide(cell)) {
+            m_FreeWideWords.push_back(dropped.Word(cell));
+        }
+    }
+    m_Size -= IsInZeroRun(number) ? 0 : dropped.CountPresent();
+    dropped = CBlock();
+    const std::size_t mask = m_Slots.size() - 1;
+    for (std::size_t slot = (hole + 1) & mask; !m_Slots[slot].IsFree(); slot = (slot + 1) & mask) {
+        const std::size_t home = HomeSlot(m_Slots.size(), m_Slots[slot].Number());
+        if (((slot - home) & mask) >= ((slot - hole) & mask)) {
+            m_Slots[hole] = std::exchange(m_Slots[slot], CBlock());
+            hole = slot;
+        }
+    }
+}
+
+std::pair<std::vector<std::uint32_t>::iterator, std::vector<std::uint32_t>::iterator>
+CSparseCells::Numbers(std::uint32_t first, std::uint32_t last) {
+    const auto sorted = m_Numbers.begin() + static_cast<std::ptrdiff_t>(m_SortedNumbers);
+    std::sort(sorted, m_Numbers.end());
+    std::inplace_merge(m_Numbers.begin(), sorted, m_Numbers.end());
+    m_SortedNumbers = m_Numbers.size();
+    const auto begin = std::lower_bound(m_Numbers.begin(), m_Numbers.end(), first);
+    return {begin, std::upper_bound(begin, m_Numbers.end(), last)};
+}
+
 bool CSparseCells::IsInZeroRun(std::uint32_t number) const {
-    const auto behind = m_ZeroRuns.upper_bound(number);
-    return behind != m_ZeroRuns.begin() && std::prev(behind)->second >= number;
+    const auto after = m_ZeroRuns.upper_bound(number);
+    return after != m_ZeroRuns.begin() && std::prev(after)->second >= number;
 }
 
 void CSparseCells::AddSlots() {
@@ -235,67 +262,6 @@ void CSparseCells::AddSlots() {
     }
     m_Slots = std::move(slots);
     m_LastSlot = 0;
-}
-
-CSparseCells::const_iterator CSparseCells::begin() const {
-    const_iterator first;
-    first.m_Cells = this;
-    std::vector<CSpan>& spans = first.m_Spans;
-    for (const CBlock& block : m_Slots) {
-        if (!block.IsFree()) {
-            spans.push_back({block.Number(), block.Number(), &block});
-        }
-    }
-    const auto byNumber = [](const CSpan& a, const CSpan& b) { return a.m_First < b.m_First; };
-    std::sort(spans.begin(), spans.end(), byNumber);
-    const auto blocks = static_cast<std::ptrdiff_t>(spans.size());
-    for (const auto& [runFirst, runLast] : m_ZeroRuns) { // what lies between the blocks in the table
-        std::uint64_t next = runFirst;
-        auto block = std::lower_bound(spans.begin(), spans.begin() + blocks, CSpan{runFirst, 0, nullptr}, byNumber);
-        for (auto i = block - spans.begin(); i < blocks && spans[static_cast<std::size_t>(i)].m_First <= runLast; ++i) {
-            const std::uint32_t number = spans[static_cast<std::size_t>(i)].m_First;
-            if (next < number) {
-                spans.push_back({static_cast<std::uint32_t>(next), number - 1, nullptr});
-            }
-            next = std::uint64_t{number} + 1;
-        }
-        if (next <= runLast) {
-            spans.push_back({static_cast<std::uint32_t>(next), runLast, nullptr});
-        }
-    }
-    std::sort(spans.begin(), spans.end(), byNumber);
-    first.SkipAbsent();
-    return first;
-}
-
-bool CSparseCells::const_iterator::operator==(const const_iterator& other) const {
-    const bool atEnd = m_Index == m_Spans.size();
-    const bool otherAtEnd = other.m_Index == other.m_Spans.size();
-    return atEnd || otherAtEnd ? atEnd == otherAtEnd : m_Index == other.m_Index && m_Cell == other.m_Cell;
-}
-
-std::pair<std::uint32_t, CSparseCells::CWord> CSparseCells::const_iterator::operator*() const {
-    const CSpan& span = m_Spans[m_Index];
-    const auto address = static_cast<std::uint32_t>(std::uint64_t{span.m_First} * BLOCK_CELLS + m_Cell);
-    return {address, span.m_Block == nullptr ? CWord() : m_Cells->Load(*span.m_Block, static_cast<unsigned>(m_Cell))};
-}
-
-CSparseCells::const_iterator& CSparseCells::const_iterator::operator++() {
-    ++m_Cell;
-    SkipAbsent();
-    return *this;
-}
-
-void CSparseCells::const_iterator::SkipAbsent() {
-    for (; m_Index < m_Spans.size(); ++m_Index, m_Cell = 0) {
-        const CSpan& span = m_Spans[m_Index];
-        const std::uint64_t cells = (std::uint64_t{span.m_Last} - span.m_First + 1) * BLOCK_CELLS;
-        for (; m_Cell < cells; ++m_Cell) {
-            if (span.m_Block == nullptr || span.m_Block->Has(static_cast<unsigned>(m_Cell))) {
-                return;
-            }
-        }
-    }
 }
 
 } // namespace marlune::foreign::fli

@@ -1,9 +1,11 @@
 #ifndef MARLUNE_FLIMEMORY_SPARSECELLS_H
 #define MARLUNE_FLIMEMORY_SPARSECELLS_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <utility>
@@ -13,10 +15,15 @@
 
 namespace marlune::foreign::fli {
 
-/// An ordered map from 32-bit address to word that is made for memories: it holds cells in blocks of 64 addresses,
-/// found through a hash table, and a word of up to 64 significant bits takes 8 bytes.
+/// An ordered map from 32-bit address to word that is made for memories.
 ///
-/// Not copyable; iterators are invalidated when a cell is added.
+/// Implementation note: blocks of 64 cells stand in a hash table with open addressing. An access costs one look-up,
+/// mostly that of the block before, and two places in memory. A word of up to 64 significant bits takes 8 bytes; wider
+/// ones are indices of words that stand elsewhere. Blocks of zeros that come from a load are not in the table at all
+/// but kept as runs, so that a gigabyte of them costs one entry. A list of the blocks' numbers, which is sorted only
+/// when somebody asks for an order, makes filling a range and visiting it cost as much as there are blocks in it.
+///
+/// Not copyable.
 class CSparseCells {
 public:
     using CWord = marlune_int<1024, true>;
@@ -33,6 +40,10 @@ public:
     /// The same as writing zero to count cells from the first on, without taking memory for each.
     void FillZero(std::uint32_t first, std::uint32_t count);
 
+    /// Calls visit(address, word) for each cell present from the first to the last address, in their order.
+    template <typename TVisitor>
+    void VisitCells(std::uint32_t first, std::uint32_t last, TVisitor&& visit);
+
     /// The number of cells present.
     std::uint64_t size() const { return m_Size; }
     bool empty() const { return m_Size == 0; }
@@ -42,8 +53,8 @@ public:
 private:
     static constexpr unsigned BLOCK_CELLS = 64;
 
-    /// A slot of the hash table: free, or a block of cells of which some are present. All but the words stands in the
-    /// slot, for what an access costs are the places in memory that it visits.
+    /// A slot of the hash table: free, or a block of cells of which some are present. Everything but the words is
+    /// stored inline, to keep cache misses per access low.
     class CBlock {
     public:
         bool IsFree() const { return m_Present == 0; }
@@ -52,6 +63,7 @@ private:
         bool HasAll(std::uint64_t cells) const { return (cells & ~m_Present) == 0; }
         bool IsWide(unsigned cell) const { return ((m_Wide >> cell) & 1U) != 0; }
         bool HasWide(std::uint64_t cells) const { return (cells & m_Wide) != 0; }
+        unsigned CountPresent() const;
         void SetWide(unsigned cell, bool wide);
         /// Of a cell that is present; those of following cells that are present too follow.
         std::uint64_t& Word(unsigned cell) { return m_Words[Rank(cell)]; }
@@ -70,36 +82,8 @@ private:
         std::unique_ptr<std::uint64_t[]> m_Words; // of the cells present, in address order
     };
 
-    /// A block, or a run of blocks of zeros that are not in the table.
-    struct CSpan {
-        std::uint32_t m_First; // block number
-        std::uint32_t m_Last;
-        const CBlock* m_Block; // null for a run
-    };
-
-public:
-    /// Walks the cells in address order; a cell is a pair of address and word, by value.
-    class const_iterator {
-    public:
-        std::pair<std::uint32_t, CWord> operator*() const;
-        const_iterator& operator++();
-        bool operator==(const const_iterator& other) const; // of one map
-        bool operator!=(const const_iterator& other) const { return !(*this == other); }
-
-    private:
-        friend class CSparseCells;
-        void SkipAbsent();
-
-        const CSparseCells* m_Cells = nullptr;
-        std::vector<CSpan> m_Spans; // ordered by number
-        std::size_t m_Index = 0;
-        std::uint64_t m_Cell = 0; // in the span
-    };
-
-    const_iterator begin() const;
-    const_iterator end() const { return {}; }
-
-private:
+    /// Where a block stands unless another one has taken the slot.
+    static std::size_t HomeSlot(std::size_t slots, std::uint32_t number);
     /// The slot of the block, or the free one where it would be.
     static std::size_t SlotOf(const std::vector<CBlock>& slots, std::uint32_t number);
     /// The block of this number, with the cells (bit i: cell i), which are created as zero where they are absent.
@@ -107,13 +91,18 @@ private:
     std::size_t FindSlot(std::uint32_t number);
     void AddSlots();
     void FillBlocks(std::uint32_t first, std::uint32_t last);
+    void DropBlock(std::uint32_t number);
     bool IsInZeroRun(std::uint32_t number) const;
+    /// The numbers of the blocks from the first to the last, in order.
+    std::pair<std::vector<std::uint32_t>::iterator, std::vector<std::uint32_t>::iterator> Numbers(std::uint32_t first,
+                                                                                                  std::uint32_t last);
 
     void StoreWide(CBlock& block, unsigned cell, const CWord& word);
     CWord Load(const CBlock& block, unsigned cell) const;
 
-    std::vector<CBlock> m_Slots; // open addressing, a power of two, at most three quarters of them taken
-    std::size_t m_BlockCount = 0;
+    std::vector<CBlock> m_Slots;          // open addressing, a power of two, at most three quarters of them taken
+    std::vector<std::uint32_t> m_Numbers; // of all blocks in the table
+    std::size_t m_SortedNumbers = 0;      // so many of them are in order
     std::uint64_t m_Size = 0;
     std::size_t m_LastSlot = 0; // accesses come in runs
     // First to last number of runs of blocks whose cells are all present, and zero unless the block is in the table.
@@ -121,6 +110,36 @@ private:
     std::deque<CWord> m_WideWords;
     std::vector<std::uint64_t> m_FreeWideWords;
 };
+
+template <typename TVisitor>
+void CSparseCells::VisitCells(std::uint32_t first, std::uint32_t last, TVisitor&& visit) {
+    // Ranges of zeros lie between blocks; both are visited up to a block, and then the block itself.
+    std::uint64_t next = first;
+    const auto visitZeros = [&](std::uint64_t end) {
+        auto run = m_ZeroRuns.upper_bound(static_cast<std::uint32_t>(next / BLOCK_CELLS));
+        run = run == m_ZeroRuns.begin() ? run : std::prev(run);
+        for (; run != m_ZeroRuns.end() && std::uint64_t{run->first} * BLOCK_CELLS < end; ++run) {
+            next = std::max(next, std::uint64_t{run->first} * BLOCK_CELLS);
+            const std::uint64_t runEnd = (std::uint64_t{run->second} + 1) * BLOCK_CELLS;
+            for (; next < std::min(runEnd, end); ++next) {
+                visit(static_cast<std::uint32_t>(next), CWord());
+            }
+        }
+        next = end;
+    };
+    const auto [begin, end] = Numbers(first / BLOCK_CELLS, last / BLOCK_CELLS);
+    for (auto number = begin; number != end; ++number) {
+        visitZeros(std::max(next, std::uint64_t{*number} * BLOCK_CELLS));
+        const CBlock& block = m_Slots[SlotOf(m_Slots, *number)];
+        for (; next <= last && next / BLOCK_CELLS == *number; ++next) {
+            const auto cell = static_cast<unsigned>(next % BLOCK_CELLS);
+            if (block.Has(cell)) {
+                visit(static_cast<std::uint32_t>(next), Load(block, cell));
+            }
+        }
+    }
+    visitZeros(std::uint64_t{last} + 1);
+}
 
 } // namespace marlune::foreign::fli
 

@@ -40,23 +40,30 @@ CStorage::CStorage(std::string name, std::uint32_t byteBitWidth, std::uint32_t s
     }
 }
 
-CStorage::CWord CStorage::Read(std::uint32_t address) {
+std::uint64_t CStorage::ReportRead(std::uint32_t address) const {
+    PrintOutside(READ_OUTSIDE, *this, address);
+    return 0;
+}
+
+void CStorage::ReportWrite(std::uint32_t address) const {
+    PrintOutside(WRITE_OUTSIDE, *this, address);
+}
+
+void CStorage::Read(std::uint32_t address, CWord& value) {
     if (address >= m_Size) {
-        PrintOutside(READ_OUTSIDE, *this, address);
-        return {};
+        value = CWord::FromUnsigned(ReportRead(address));
+    } else if (m_Words64 != nullptr) {
+        value = CWord::FromUnsigned(m_Words64[address]);
+    } else if (m_WordsWide != nullptr) {
+        value = m_WordsWide[address];
+    } else {
+        value = m_Contents.Read(address);
     }
-    if (m_Words64 != nullptr) {
-        return CWord::FromUnsigned(m_Words64[address]);
-    }
-    if (m_WordsWide != nullptr) {
-        return m_WordsWide[address];
-    }
-    return m_Contents.Read(address);
 }
 
 void CStorage::Write(std::uint32_t address, const CWord& value) {
     if (address >= m_Size) {
-        PrintOutside(WRITE_OUTSIDE, *this, address);
+        ReportWrite(address);
     } else if (m_Words64 != nullptr) {
         m_Words64[address] = value.Low64();
     } else if (m_WordsWide != nullptr) {
@@ -77,15 +84,12 @@ void CStorage::WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, s
 }
 
 void CStorage::FillZero(std::uint32_t first, std::uint32_t count) {
-    if (m_Words64 == nullptr && m_WordsWide == nullptr) {
+    if (m_Words64 != nullptr) {
+        ClearBytes(&m_Words64[first], count * sizeof(std::uint64_t));
+    } else if (m_WordsWide != nullptr) {
+        ClearBytes(&m_WordsWide[first], count * sizeof(CWord));
+    } else {
         m_Contents.FillZero(first, count);
-        return;
-    }
-    for (std::uint32_t address = first; address - first < count; ++address) {
-        const bool isZero = m_Words64 != nullptr ? m_Words64[address] == 0 : m_WordsWide[address] == CWord();
-        if (!isZero) {
-            Write(address, CWord());
-        }
     }
 }
 

@@ -26,19 +26,47 @@ public:
     /// provide the address range.
     CStorage(std::string name, std::uint32_t byteBitWidth, std::uint32_t size);
 
-    /// The word at the address; a 64-bit cell is zero-extended, and an absent sparse cell is created. Outside of the
-    /// memory it prints an error line to the transcript and returns zero.
-    CWord Read(std::uint32_t address);
+    /// Whether the cells are numbers of 64 bits, so that accesses may use such in place of words.
+    bool HoldsNumbers() const { return m_Words64 != nullptr; }
 
-    /// Stores the word; a 64-bit cell keeps its low 64 bits, whatever the byte's width. Outside of the memory it prints
-    /// an error line to the transcript and changes nothing.
+    /// The word at the address; a 64-bit cell is zero-extended, and an absent sparse cell is created. An address
+    /// outside of the memory is reported in the transcript and gives zero.
+    void Read(std::uint32_t address, CWord& value);
+    CWord Read(std::uint32_t address) {
+        CWord value;
+        Read(address, value);
+        return value;
+    }
+
+    /// Stores the word; a 64-bit cell keeps its low 64 bits, whatever the LAU's width. An address outside of the memory
+    /// is reported in the transcript, and nothing changes.
     void Write(std::uint32_t address, const CWord& value);
+
+    /// The same for memories that hold numbers.
+    void Read(std::uint32_t address, std::uint64_t& value) {
+        value = address < m_Size ? m_Words64[address] : ReportRead(address);
+    }
+    void Write(std::uint32_t address, std::uint64_t value) {
+        if (address < m_Size) {
+            m_Words64[address] = value;
+        } else {
+            ReportWrite(address);
+        }
+    }
+
+    /// The cells from the first on where they are numbers, else null.
+    std::uint64_t* NumbersFrom(std::uint32_t first) { return HoldsNumbers() ? &m_Words64[first] : nullptr; }
+
+    /// Calls visit(address, word) for each cell that is present from the first to the last address, in their order.
+    /// Dense memories have all their cells.
+    template <typename TVisitor>
+    void VisitCells(std::uint32_t first, std::uint32_t last, TVisitor&& visit);
 
     /// Writes numbers of 64 bits to as many cells from the first on, all of them inside of the memory.
     void WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, std::uint32_t count);
 
-    /// The same as writing zero to count cells from the first on, all of them inside of the memory. Cells that are zero
-    /// already stay untouched, and sparse ones take no memory for each.
+    /// The same as writing zero to count cells from the first on, all of them inside of the memory. The cost follows
+    /// the cells that were ever touched, and no memory is taken for each.
     void FillZero(std::uint32_t first, std::uint32_t count);
 
     CSparseCells m_Contents;
@@ -47,7 +75,23 @@ public:
     std::string m_Name;           // the instance's path without its leading '/'
     std::uint32_t m_ByteBitWidth; // bits of one addressable unit
     std::uint32_t m_Size;         // cells
+
+private:
+    /// Print an access outside of the memory; the result of a read is zero.
+    std::uint64_t ReportRead(std::uint32_t address) const;
+    void ReportWrite(std::uint32_t address) const;
 };
+
+template <typename TVisitor>
+void CStorage::VisitCells(std::uint32_t first, std::uint32_t last, TVisitor&& visit) {
+    if (m_Words64 == nullptr && m_WordsWide == nullptr) {
+        m_Contents.VisitCells(first, last, visit);
+        return;
+    }
+    for (std::uint32_t address = first; address < m_Size && address <= last; ++address) {
+        visit(address, Read(address));
+    }
+}
 
 } // namespace marlune::foreign::fli
 

@@ -1,6 +1,9 @@
 #include "src/flimemory/zeroedpages.h"
 
+#include <cstring>
+
 #include <sys/mman.h>
+#include <unistd.h>
 
 namespace marlune::foreign::fli {
 
@@ -11,6 +14,19 @@ void* ReservePages(std::size_t bytes) {
 
 void ReleasePages(void* pages, std::size_t bytes) {
     munmap(pages, bytes);
+}
+
+void ClearBytes(void* first, std::size_t bytes) {
+    static const auto pageBytes = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    auto* const begin = static_cast<unsigned char*>(first);
+    const std::size_t head = (pageBytes - reinterpret_cast<std::uintptr_t>(begin) % pageBytes) % pageBytes;
+    const std::size_t pages = bytes > head ? (bytes - head) / pageBytes * pageBytes : 0;
+    if (pages > 0 && madvise(begin + head, pages, MADV_DONTNEED) == 0) {
+        std::memset(begin, 0, head);
+        std::memset(begin + head + pages, 0, bytes - head - pages);
+    } else {
+        std::memset(begin, 0, bytes);
+    }
 }
 
 } // namespace marlune::foreign::fli

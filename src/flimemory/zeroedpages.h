@@ -1,3 +1,4 @@
+// Arrays of zeros that take no memory before they are touched.
 #ifndef MARLUNE_FLIMEMORY_ZEROEDPAGES_H
 #define MARLUNE_FLIMEMORY_ZEROEDPAGES_H
 
@@ -13,6 +14,10 @@ namespace marlune::foreign::fli {
 /// The caller gives them back with ReleasePages and the same size in bytes.
 void* ReservePages(std::size_t bytes);
 void ReleasePages(void* pages, std::size_t bytes);
+
+/// Sets a part of such pages to zero. The cost follows the pages that were ever touched and not the size, since whole
+/// pages go back to the system.
+void ClearBytes(void* first, std::size_t bytes);
 
 /// Gives the pages of an array back.
 struct CPageRelease {

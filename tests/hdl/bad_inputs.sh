@@ -7,7 +7,7 @@ good="marlune_fli_memory_init libmarlune_fli_memory.so"
 
 # expect MESSAGE COMMAND...: the command fails with the message
 expect() {
-    local message="fatal error: 'bad_tb/memory': $1" output status=0
+    local message="fatal error: 'bad_tb${separator-.}memory': $1" output status=0
     shift
     output=$("$@" 2>&1) || status=$?
     if ((status != 1)) || [[ $output != *"$message"* || $output == *"has started"* ]]; then
@@ -36,7 +36,7 @@ expect "Port 'a_RA0' is neither a std_logic nor a vector of it." icarus -DREAL_P
 if command -v ghdl > /dev/null; then
     ghdl -a --std=08 "$root/hdl/marlune_fli.vhd" "$here/bad_tb.vhd"
     ghdl -e --std=08 bad_tb
-    expect "Port 'a_ra0' is neither a std_logic nor a vector of it." \
+    separator=/ expect "Port 'a_ra0' is neither a std_logic nor a vector of it." \
         ghdl -r --std=08 bad_tb --vpi="$build/libmarlune_fli_vpi.so"
 fi
 exit "${failed-0}"

@@ -1,0 +1,29 @@
+// What can be said of an instance beyond the memory library's own messages.
+#ifndef MARLUNE_BRIDGE_CORE_INSTANCEREPORT_H
+#define MARLUNE_BRIDGE_CORE_INSTANCEREPORT_H
+
+#include <deque>
+#include <string>
+
+#include "bridge/core/instance.h"
+
+namespace marlune::bridge {
+
+/// Ends the simulation for LAUs that are wider than a test bench's words.
+void CheckWidth(const mtiRegionIdTag& region);
+
+/// Which of the three parameters is not a literal, and what it holds; nothing if all are well.
+std::string DescribeWrongParameter(const std::string& parameters);
+
+/// Warns of ports that belong to no complete group.
+void WarnOfUnusedPorts(const mtiRegionIdTag& region);
+
+/// One line: path, name for test bench access, mode, width, size and port groups.
+std::string DescribeInstance(const mtiRegionIdTag& region);
+
+/// The paths of the ten instances whose names are closest to the one that was not found.
+std::string DescribeClosest(const std::deque<mtiRegionIdTag>& regions, const std::string& name);
+
+} // namespace marlune::bridge
+
+#endif

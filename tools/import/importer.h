@@ -1,0 +1,20 @@
+// From the file of another toolchain to an image: the readers and the builder as one call.
+#ifndef MARLUNE_TOOLS_IMPORT_IMPORTER_H
+#define MARLUNE_TOOLS_IMPORT_IMPORTER_H
+
+#include <memory>
+#include <string>
+
+#include "objectfile/objectfile.h"
+#include "tools/import/importoptions.h"
+
+namespace marlune::tool {
+
+/// Reads a program of the format, which is not OBJECT, and makes an image of it. Throws CReadError for a line of a text
+/// format and std::runtime_error for anything else that keeps it from being an image.
+std::unique_ptr<ObjectFile::CObjectFile> ImportProgram(const std::string& path, eFormat format,
+                                                       const CImportOptions& options, const CWarn& warn);
+
+} // namespace marlune::tool
+
+#endif
