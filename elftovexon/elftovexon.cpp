@@ -12,7 +12,6 @@
 #include "general_error"
 
 using marlune::elf::CElfFile;
-using marlune::elf::CSegmentIndex;
 using marlune::exceptions::CGeneralError;
 using ObjectFile::CFileHandle;
 using ObjectFile::CObjectFile;

@@ -5,7 +5,6 @@
 #include <functional>
 #include <random>
 
-#include "general_error"
 #include "src/flimemory/loadmemory.h"
 #include "src/flimemory/storage.h"
 #include "tests/elftovexon/elfbuilder.h"
@@ -14,7 +13,6 @@
 namespace {
 
 using namespace std::string_literals;
-using marlune::exceptions::CGeneralError;
 using marlune::foreign::fli::CStorage;
 using ObjectFile::CObjectFile;
 using ObjectFile::CSection;
@@ -244,7 +242,8 @@ TEST(ElfToVexon, TakesLoadAddressesFromSegments) {
         const unsigned places = below(2) * 0x90000000U; // sometimes no segment has a physical address
         for (unsigned count = below(40); count > 0; --count) {
             const Elf64_Word type = below(6) == 0 ? PT_TLS : PT_LOAD;
-            elf.m_Segments.push_back({type, 0, below(50), below(50), below(3) * places, below(90), below(90), 0});
+            elf.m_Segments.push_back(
+                {type, 0, below(50), below(50), std::uint64_t{below(3)} * places, below(90), below(90), 0});
         }
         std::vector<Elf64_Shdr> sections;
         for (int i = 0; i < 10; ++i) {

@@ -122,7 +122,7 @@ TEST_F(CDamage, LongAndIrregularText) {
     lines[28] = saved[28] = "160000\t// section data size in bytes";
     lines[30] = saved[30] = "32\t// first line of section data";
     for (unsigned i = 0; i < 40000; ++i) { // several buffers of lines
-        const std::string digits = ConvUnsignToBin(i * 2654435761U, i % 5000 == 17 ? 2 : 32);
+        const std::string digits = ConvUnsignToBin(std::uint64_t{i} * 2654435761U, i % 5000 == 17 ? 2 : 32);
         lines.push_back(digits + (i % 5000 == 17 ? "\t// short" : i % 999 == 0 ? "\r" : ""));
         saved.push_back(digits + (i % 5000 == 17 ? "\t" : ""));
     }

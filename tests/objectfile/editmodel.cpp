@@ -238,7 +238,7 @@ private:
         found = nullptr;
         Throws<general_error>([&] { found = &m_Image.GetDataAndDebugMemoryOrganization(); });
         Require(found == debug, "the organization of the data");
-        const CMemoryOrganization first = *m_Sections.front().m_Section;
+        const CMemoryOrganization first = static_cast<const CMemoryOrganization&>(*m_Sections.front().m_Section);
         const bool uniform = std::all_of(m_Sections.begin(), m_Sections.end(), [&](const CModelSection& s) {
             return s.m_Section->HasTheSameMemoryOrganization(first);
         });

@@ -72,7 +72,7 @@ TEST(ObjectFile, RecordsThatCannotBeSaved) {
 TEST(ObjectFile, LinksOfAnObjectThatNoFileHolds) {
     CObjectFile objectFile(8, 1, BO_BIG, "");
     CSection& section = *objectFile.CreateSection(CSection::TYPE_TEXT, "a");
-    CSymbol* const symbol = new CSymbol("s", CSymbol::TYPE_PUBLIC, &section); // owned by the table
+    auto* const symbol = new CSymbol("s", CSymbol::TYPE_PUBLIC, &section); // owned by the table
     objectFile.CreateSymbolTable()->AddSymbol(symbol);
     CRelocation* const relocation = section.AddRelocation(CRelocation());
     relocation->m_Symbol = symbol;
