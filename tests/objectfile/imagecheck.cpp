@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iterator>
 #include <new>
+#include <sstream>
 #include <stdexcept>
 #include <typeinfo>
 
@@ -21,6 +22,7 @@ using namespace ObjectFile;
 namespace {
 
 constexpr int MAX_LAU_BITS = 1024; // of a memory
+constexpr int MOST_RECORDS = 20;   // of a kind that are looked at
 
 /// The message of the error in which the action ends, empty without one. A lack of memory is never allowed.
 template <typename TAction>
@@ -57,18 +59,30 @@ std::string Text(CObjectFile& image, const std::string& path) {
     return std::string{std::istreambuf_iterator<char>(file), {}}.erase(11, 19);
 }
 
-/// Does the text form hold all of an image that came from one?
+bool IsStorable(const CSection& section) {
+    const std::string& space = section.GetAddressSpaceName();
+    return !section.GetName().empty() && section.GetName().find('\n') == std::string::npos &&
+           space.find_first_of(" \n") == std::string::npos && space.find("//") == std::string::npos &&
+           (section.GetWordBitSize() > 0 || !section.GetMemoryOrganizationIsValid());
+}
+
+bool IsStorable(const CSymbol& symbol) {
+    const CExpansionTable& expansion = symbol.GetExpansionTable();
+    return !symbol.GetNameView().empty() && symbol.GetNameView().find('\n') == std::string_view::npos &&
+           symbol.GetType() != CSymbol::TYPE_NONE && (expansion.Count() < 2 || !expansion.GetHeaderText().empty());
+}
+
+/// Does the text form hold all of the image?
 bool IsStorable(const CObjectFile& image) {
     bool storable = true;
     for (int i = 0; i < image.SectionsCount(); ++i) {
-        storable = storable && !image.GetSection(i)->GetName().empty();
+        storable = storable && IsStorable(*image.GetSection(i));
     }
     for (int i = 0; i < image.SymbolTablesCount(); ++i) {
-        for (int k = 0; k < image.GetSymbolTable(i)->Count(); ++k) {
-            const CSymbol& symbol = *image.GetSymbolTable(i)->GetSymbol(k);
-            const CExpansionTable& expansion = symbol.GetExpansionTable();
-            storable = storable && !symbol.GetNameView().empty() &&
-                       (expansion.Count() < 2 || !expansion.GetHeaderText().empty());
+        const CSymbolTable& symbols = *image.GetSymbolTable(i);
+        storable = storable && (symbols.Count() == 0 || image.SectionsCount() > 0); // each names the index of one
+        for (int k = 0; k < symbols.Count(); ++k) {
+            storable = storable && IsStorable(*symbols.GetSymbol(k));
         }
     }
     return storable;
@@ -83,8 +97,8 @@ std::string CheckText(CObjectFile& image, const std::string& path) {
     }
     CObjectFile again;
     std::string fault;
-    if (!IsElfFile(path) && IsStorable(image)) {
-        fault = Load(again, copy) && Text(again, copy) == text ? "" : "another text after a second load";
+    if (IsStorable(image)) { // but for a part of a byte at the end of an ELF file's section
+        fault = Load(again, copy) && (IsElfFile(path) || Text(again, copy) == text) ? "" : "no second load";
     }
     Load(again, path); // what was in an object leaves nothing in it
     fault += Text(again, copy) == text ? "" : "another text after a load into a used object";
@@ -101,18 +115,41 @@ std::string CheckText(CObjectFile& image, const std::string& path) {
     return fault;
 }
 
+/// The rows and names of the line table, a line for each.
+std::string Lines(const CLineTable& table) {
+    std::ostringstream text;
+    for (const CLineInfo& row : table.GetRows()) {
+        text << row.m_Address << ' ' << row.m_Line << ' ' << row.m_FileIndex << ' ' << row.m_EndOfSequence << '\n';
+    }
+    for (const std::string& name : table.GetFileNames()) {
+        text << name << '\n';
+    }
+    return text.str();
+}
+
+std::string CheckLines(const CObjectFile& image) {
+    CLineTable table(image);
+    const bool complete = table.PopulateFromMarluneLineSection();
+    const std::string lines = Lines(table);
+    const CLineTable* const loaded = image.GetLineTable();
+    const bool same = table.PopulateFromMarluneLineSection() == complete && Lines(table) == lines &&
+                      complete == (loaded != nullptr) && (loaded == nullptr || Lines(*loaded) == lines);
+    return same ? "" : "another line table the second time";
+}
+
 std::string CheckLoaded(CObjectFile& image, const std::string& path, std::mt19937& random) {
     std::string fault = CheckText(image, path);
     const std::string error = ErrorOf([&] { image.CheckLinks(); });
     fault += image.SectionsCount() == 0 || error.empty() ? "" : "the links of a loaded image: " + error;
+    fault += CheckLines(image);
     for (int round = 0; image.SectionsCount() > 0 && round < 4; ++round) {
         fault += CheckLoad(image, random);
     }
-    for (int i = 0; i < std::min(image.SectionsCount(), 50); ++i) {
+    for (int i = 0; i < std::min(image.SectionsCount(), MOST_RECORDS); ++i) {
         CSection& section = *image.GetSection(i);
         fault += section.IsStack(true) && !section.IsStack(false) ? "a stack by its symbols alone" : "";
         fault += section.GetSectionData() != nullptr ? CheckBytes(*section.GetSectionData(), random) : "";
-        for (int k = 0; k < std::min(section.RelocationCount(), 50); ++k) {
+        for (int k = 0; k < std::min(section.RelocationCount(), MOST_RECORDS); ++k) {
             const long long value = static_cast<long long>(random()) * (1LL << random() % 31);
             ErrorOf([&] { section.SetRelocData(section.GetRelocation(k), k % 2 == 0 ? value : -value); });
         }
@@ -127,14 +164,14 @@ std::string CheckBytes(const CSectionData& data, std::mt19937& random) {
         return "";
     }
     std::array<std::uint64_t, MAX_LAU_BITS / 64> limbs{};
-    std::array<std::uint64_t, 64> cells{};
+    std::array<std::uint64_t, 16> cells{};
     const auto size = static_cast<std::size_t>(data.GetByteBitSize());
     const auto textOf = [&](int address) {
         std::string text;
         const std::string error = ErrorOf([&] { text = data.GetByte(address); });
         return error.empty() ? text : error;
     };
-    for (int i = 0; i < std::min(data.GetByteCount(), 200); ++i) {
+    for (int i = 0; i < std::min(data.GetByteCount(), 30); ++i) {
         const int first = static_cast<int>(random() % static_cast<unsigned>(data.GetByteCount()));
         std::string bits;
         if (data.GetByteBits(first, limbs.data())) {
