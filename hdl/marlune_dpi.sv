@@ -106,7 +106,7 @@ module marlune_ports #(
   import "DPI-C" function longint unsigned marlune_sv_rise(
       input chandle memory, input real now, output bit [OUTPUT_BITS-1:0] outputs);
   import "DPI-C" function int unsigned marlune_sv_inputs(
-      input chandle memory, input real now, input bit tick, input bit [INPUT_BITS-1:0] inputs);
+      input chandle memory, input real now, input longint unsigned stamp, input bit [INPUT_BITS-1:0] inputs);
   import "DPI-C" function longint unsigned marlune_sv_look(
       input chandle memory, input real now, input bit clk, output bit [OUTPUT_BITS-1:0] outputs);
 
@@ -115,18 +115,16 @@ module marlune_ports #(
 
   bit [OUTPUT_BITS-1:0] at_rise, at_look, risen, looked;
   longint unsigned rise_stamp, look_stamp, rise, look;
-  bit tick;
 
-  // The tick makes the inputs come after each edge, changed or not. They come when the registers of the same clock have
-  // their new values, and once more for each later change.
+  // The stamp differs from edge to edge. It makes the inputs come after each edge, changed or not: when the registers of
+  // the same clock have their new values, and once more for each later change.
   always @(posedge CLK) begin
     rise = marlune_sv_rise(memory, $realtime, risen);
     at_rise <= risen;
     rise_stamp <= rise;
-    tick <= !tick;
   end
 
-  always @* marlune_dpi::turn = marlune_sv_inputs(memory, $realtime, tick, inputs);
+  always @* marlune_dpi::turn = marlune_sv_inputs(memory, $realtime, rise_stamp, inputs);
 
   // Rarely in synchronous mode: only where an output does not change at the edge itself.
   always @(marlune_dpi::turn) begin

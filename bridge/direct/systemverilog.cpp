@@ -183,7 +183,7 @@ std::uint64_t marlune_sv_rise(void* memory, double now, std::uint32_t* outputs) 
 }
 
 /// The inputs have these values. Returns another number than before when the module is to look.
-std::uint32_t marlune_sv_inputs(void* memory, double now, unsigned char /*tick*/, const std::uint32_t* inputs) {
+std::uint32_t marlune_sv_inputs(void* memory, double now, std::uint64_t /*stamp*/, const std::uint32_t* inputs) {
     InstanceOf(memory).SetInputs(TimeOf(now), inputs);
     return g_Turn;
 }
