@@ -1,4 +1,4 @@
-// marlune_memory of mode 1 as a plain array: the design without the library, to compare its speed.
+// marlune_memory of mode 1 as a plain array: the processor without the library, to compare its speed.
 module marlune_memory #(
     parameter ADDRESS_BITS = 10,
     parameter DATA_BITS = 32,
@@ -19,4 +19,12 @@ module marlune_memory #(
     r_Q0 <= cells[r_RA0];
     if (w_WE0) cells[w_WA0] <= w_D0;
   end
+
+  function automatic [DATA_BITS-1:0] peek(input [31:0] address);
+    peek = cells[address[ADDRESS_BITS-1:0]];
+  endfunction
+
+  task automatic poke(input [31:0] address, input [DATA_BITS-1:0] value);
+    cells[address[ADDRESS_BITS-1:0]] = value;
+  endtask
 endmodule

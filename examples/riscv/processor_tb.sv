@@ -20,31 +20,33 @@ module processor_tb;
 
   string program_file, data_file;
 
-`ifdef NATIVE  // files of $readmemh, for the data one a bank with its number as suffix
+`ifdef NATIVE  // memories with functions and tasks of their own; the files are those of $readmemh
 
-  task automatic load;
-    $readmemh(program_file, cpu.program_memory.cells);
-    $readmemh({data_file, "0"}, cpu.banks[0].bank.cells);
-    $readmemh({data_file, "1"}, cpu.banks[1].bank.cells);
-    $readmemh({data_file, "2"}, cpu.banks[2].bank.cells);
-    $readmemh({data_file, "3"}, cpu.banks[3].bank.cells);
+  logic [31:0] words[0:4095];
+  logic [ 7:0] bytes[0:16383];
+
+  task automatic load();
+    $readmemh(program_file, words);
+    $readmemh(data_file, bytes);
+    for (int i = 0; i < 4096; i++) cpu.program_memory.poke(i, words[i]);
+    for (int i = 0; i < 16384; i++) poke_byte(i, bytes[i]);
   endtask
 
   function automatic [7:0] peek_byte(input [31:0] offset);
     case (offset[1:0])
-      2'd0: peek_byte = cpu.banks[0].bank.cells[offset[13:2]];
-      2'd1: peek_byte = cpu.banks[1].bank.cells[offset[13:2]];
-      2'd2: peek_byte = cpu.banks[2].bank.cells[offset[13:2]];
-      default: peek_byte = cpu.banks[3].bank.cells[offset[13:2]];
+      2'd0: peek_byte = cpu.banks[0].bank.peek(offset >> 2);
+      2'd1: peek_byte = cpu.banks[1].bank.peek(offset >> 2);
+      2'd2: peek_byte = cpu.banks[2].bank.peek(offset >> 2);
+      default: peek_byte = cpu.banks[3].bank.peek(offset >> 2);
     endcase
   endfunction
 
   task automatic poke_byte(input [31:0] offset, input [7:0] value);
     case (offset[1:0])
-      2'd0: cpu.banks[0].bank.cells[offset[13:2]] = value;
-      2'd1: cpu.banks[1].bank.cells[offset[13:2]] = value;
-      2'd2: cpu.banks[2].bank.cells[offset[13:2]] = value;
-      default: cpu.banks[3].bank.cells[offset[13:2]] = value;
+      2'd0: cpu.banks[0].bank.poke(offset >> 2, value);
+      2'd1: cpu.banks[1].bank.poke(offset >> 2, value);
+      2'd2: cpu.banks[2].bank.poke(offset >> 2, value);
+      default: cpu.banks[3].bank.poke(offset >> 2, value);
     endcase
   endtask
 
@@ -268,6 +270,6 @@ module processor_tb;
     end
     if (differ > 0) $fatal(1, "%0d of %0d values differ.", differ, compared);
     $display("  runs: %0d, cycles: %0d, values compared: %0d, none differs", runs, all_cycles, compared);
-    $finish;
+    $finish(0);
   end
 endmodule

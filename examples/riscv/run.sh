@@ -76,14 +76,10 @@ make_images() {
     "$tool" convert data.elf data.vexon --space data --width 8 --base 0x10000
 }
 
-# Plain arrays load text files, one a memory.
+# What loads plain arrays.
 make_readmemh_files() {
-    local bank
     "$tool" dump program.vexon --space program --width 32 --size 4096 --format readmemh -o program.mem
-    for bank in 0 1 2 3; do
-        "$tool" dump data.vexon --space data --width 8 --size 4096 --phase "$bank" --stride 4 --format readmemh \
-            -o "data.mem$bank"
-    done
+    "$tool" dump data.vexon --space data --width 8 --size 16384 --format readmemh -o data.mem
 }
 
 # Verilator and make refuse blanks and the like in paths: links take their place, in a folder in /tmp where needed.
