@@ -8,6 +8,7 @@ trap 'rm -rf "$work"' EXIT
 cd "$work"
 ln -s "$sources" source
 ln -s "$libraries" libraries
+ln -s source/tests/hdl/image.vexon .
 root=source here=source/tests/hdl build=libraries
 
 fail() {
@@ -15,16 +16,12 @@ fail() {
     exit 1
 }
 
-# expect STATUS PATTERN COMMAND...: the command ends with the exit status and prints what the pattern matches
+# expect STATUS PATTERN COMMAND...: the exit status and what the command prints match the patterns
 expect() {
     local status=0
     output=$("${@:3}" 2>&1) || status=$?
-    # shellcheck disable=SC2053 # a pattern
-    [[ $status == "$1" && $output == *$2* ]] || fail "$output" "exit status $status; expected $1 and: $2"
-}
-
-assemble_image() {
-    awk -f "$root/examples/verilator/assemble.awk" "$here/image.s" > image.vexon
+    # shellcheck disable=SC2053 # patterns
+    [[ $status == $1 && $output == *$2* ]] || fail "$output" "exit status $status; expected $1 and: $2"
 }
 
 # check_options PATH COMMAND...: what the simulation in the command does with options for the memory, which has 8 bits

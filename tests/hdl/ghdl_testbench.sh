@@ -3,7 +3,6 @@
 #
 # usage: ghdl_testbench.sh BUILD-FOLDER
 source "$(dirname "$0")/common.sh"
-assemble_image
 
 # A copy of the template's architecture that is sized by generics.
 {

@@ -3,7 +3,6 @@
 #
 # usage: icarus.sh BUILD-FOLDER
 source "$(dirname "$0")/common.sh"
-assemble_image
 copy_memory marlune_memory.v
 iverilog -g2012 -o icarus_tb.vvp "$here/icarus_tb.v" "$root/hdl/marlune_memory.v"
 iverilog -g2012 -o modes_tb.vvp "$here/modes_tb.v" all_ports.v "$root/hdl/marlune_memory.v"

@@ -4,7 +4,6 @@
 #
 # usage: verilator_forms.sh BUILD-FOLDER
 source "$(dirname "$0")/common.sh"
-assemble_image
 copy_memory marlune_memory.sv
 verilate forms_tb --binary --timing -O3 --trace --threads 2 -Wno-UNOPTTHREADS "$here"/{modes_tb.v,verilator/forms_tb.sv} all_ports.sv &
 verilate clocked --cc --exe --build "$here"/verilator/{clocked.sv,own_main.cpp}

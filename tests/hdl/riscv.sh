@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# The processor in two simulators. The images that lie beside its program are those that the tools make of it; and what goes
+# wrong ends the run with a message and an exit status that is not 0.
+#
+# usage: riscv.sh BUILD-FOLDER
+source "$(dirname "$0")/common.sh"
+run() { "$root/examples/riscv/run.sh" "$build" "$@" --into "$PWD"; }
+
+expect 0 "" run verilator icarus
+for image in program data; do
+    cmp <(sed 2d "$root/examples/riscv/$image.vexon") <(sed 2d $image.vexon) # all but the time stamp
+done
+
+for simulator in verilator icarus; do
+    expect 1 "File './missing.vexon' could not be opened." run $simulator +program=./missing.vexon
+    expect '[1-9]*' "The program has not ended after 1000 cycles" run $simulator +limit=1000
+    expect '[1-9]*' "cannot execute the instruction" run $simulator +program="$PWD/data.vexon" # whose address space is another
+done
