@@ -29,6 +29,7 @@ foreign "General error: At least 3 arguments are needed: <read_is_synchronous> <
 refuse "Port 'a_RA0' is neither a std_logic nor a vector of it." icarus -DREAL_PORT
 foreign "*Parameter 2, <byte_bit_width>, is '1k'; all are '0 1k 16'." "$good; 0 1k 16"
 foreign "A width of 1025 bits is not possible: a test bench's words have 1024, and so has a cell." "$good; 0 1025 16"
+expect 0 "warning: 'bad_tb.memory': port 'p_CS' is not used: the name ends in no role." icarus
 
 ghdl -a --std=08 "$root/hdl/marlune_fli.vhd" "$here/bad_tb.vhd"
 ghdl -e --std=08 bad_tb

@@ -1,15 +1,12 @@
 // Which mode is a RAM: the rows of the table in docs/memories.md, and what differs from an array there. For two simulators,
 // with a waveform.
 
-// A read port, a write port and a shared port.
 module ports #(parameter MODE = 0) (
     input clk, input [3:0] read_address, output [7:0] q, input write, input [3:0] write_address, input [7:0] data,
     input select, shared_write, input [3:0] address, output [7:0] shared_q);
   all_ports #(.MODE(MODE)) memory (
-      .CLK(clk), .a_RE0(1'b1), .a_RA0(read_address), .a_Q0(q), .c_WE0({1'b0, write}), .c_WA0(write_address), .c_D0(data),
-      .d_CS0(select), .d_WE0(shared_write), .d_A0(address), .d_D0(~data), .d_Q0(shared_q), .b_RE0(2'd1), .b_RA0(4'd0),
-      .b_Q0(), .e_RE0(1'b1), .e_RA0(4'd0), .e_WA0(4'd0), .e_CS0(2'd0), .e_WE0(1'b0), .e_D0(8'd0), .e_Q0(), .f_RA0(4'd0),
-      .f_Q0(), .g_WE0(1'b0), .g_WA0(1'b0), .g_D0(1'b0));
+      clk, 1'b1, read_address, q, 2'd1, 4'd0, , {1'b0, write}, write_address, data, select, shared_write, address, ~data,
+      shared_q);
 endmodule
 
 // The memory beside the RTL that it replaces.
