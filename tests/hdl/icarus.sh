@@ -11,7 +11,8 @@ run() {
     vvp -M"$build" -mmarlune_fli "$@"
 }
 
-expect 0 PASSED run icarus_tb.vvp # vvp exits with status 0 whatever a test bench finds
+expect 0 PASSED run icarus_tb.vvp "+marlune_dump=icarus_tb.odd.name+[3],sparse"
+[[ $(< sparse) == $'@00000000 00\n@fffffffe a1' ]] || fail "$(< sparse)"
 check_options icarus_tb.rows[1] run icarus_tb.vvp
 expect 0 PASSED run modes_tb.vvp
 check_waveform

@@ -12,6 +12,8 @@ wait $!
 expect 0 "forms: PASSED*checked?PASSED" forms_tb/Vforms_tb
 check_waveform
 check_options forms_tb.spare forms_tb/Vforms_tb
-expect 1 "Cannot find memory object with name 'forms_tb_unknown'.*The memories are: 'forms_tb." forms_tb/Vforms_tb +unknown
+expect 1 "Cannot find memory object with name 'forms_tb_unknown'.*The memories are: 'forms_tb." forms_tb/Vforms_tb +unknown \
+    +marlune_dump=forms_tb.wide,after_error,7,7
+[[ $(< after_error) == "@00000007 abcdabcdabcdabcdabcdabcdabcdabcd" ]] || fail "$(< after_error)"
 expect 0 "" clocked/Vclocked
 expect 1 "fatal error: 'clocked.ram': CLK rises twice at time 0. *timeInc." clocked/Vclocked +still

@@ -1,16 +1,14 @@
 -- The package marlune_testbench in a design of memories behind foreign architectures, of directly served ones, or of both in
 -- turn: every form of a path, values and cells of 1 to 1024 bits, all 32 bits of an address, images, and errors.
 
-library ieee;
-use ieee.std_logic_1164.all;
-
 entity testbench_tb is
   generic (
     WAY   : string := "mixed";     -- "foreign", "direct"
-    FAULT : natural := 0);         -- what comes at the end; see there
+    FAULT : natural := 0);         -- see the end
 end entity;
 
 library ieee;
+use ieee.std_logic_1164.all;
 use ieee.numeric_std.all;
 use std.env.all;
 use work.marlune_testbench.all;
@@ -19,67 +17,38 @@ architecture test of testbench_tb is
 
   subtype word is std_logic_vector(1023 downto 0);
   type integer_list is array (natural range <>) of positive;
-  constant WIDTHS       : integer_list := (1, 8, 33, 64, 65, 128, 1024, 32, 32, 8, 8);   -- of cells and data
-  constant ADDRESS_BITS : integer_list := (4, 4, 4, 4, 4, 4, 4, 4, 4, 32, 32);           -- 32: a sparse memory
+  constant WIDTHS : integer_list := (1, 8, 33, 64, 65, 128, 1024, 32, 32, 8, 8);   -- of cells and data
+  constant SPARSE : natural := 9;   -- from this memory on
+  type word_list is array (WIDTHS'range) of word;
 
-  function cells(length : positive) return string is
+  function size(memory : natural) return string is
   begin
-    if length = 32 then
+    if memory >= SPARSE then
       return " 4294967295";
     end if;
     return " 16";
-  end function;
-
-  constant SPARSE       : natural := 9;
-  constant FORMS        : positive := 5;
-
-  -- The forms of a path that a user may write.
-  function path(memory, form : natural) return string is
-    constant number : string := integer'image(memory);
-    constant plain  : string := "testbench_tb.memories(" & number & ").served.\The.Memory\";
-    variable upper  : string(plain'range) := plain;
-  begin
-    case form mod FORMS is
-      when 0 => return plain;
-      when 1 => return "/testbench_tb/memories(" & number & ")/served/\The.Memory\";
-      when 2 => return testbench_tb'path_name & "memories(" & number & "):served:\The.Memory\:";
-      when 3 => return "testbench_tb.memories[" & number & "].served.\The.Memory\";
-      when others =>
-        for i in upper'range loop
-          if upper(i) >= 'a' and upper(i) <= 'z' then
-            upper(i) := character'val(character'pos(upper(i)) - 32);
-          end if;
-        end loop;
-        return upper;
-    end case;
-  end function;
-
-  function is_direct(i : natural) return boolean is
-  begin
-    return WAY = "direct" or (WAY = "mixed" and i mod 2 = 1);
   end function;
 
   signal clk     : std_logic := '0';
   signal enable  : std_logic := '0';
   signal address : std_logic_vector(31 downto 0) := (others => '0');
   signal data    : word := (others => '0');
-  type word_list is array (WIDTHS'range) of word;
   signal q       : word_list;
 
 begin
 
   memories : for i in word_list'range generate
     constant WIDTH : positive := WIDTHS(i);
-    constant A     : positive := ADDRESS_BITS(i);
+    constant A     : positive := 4 + 28 * boolean'pos(i >= SPARSE);
   begin
-    served : if is_direct(i) generate
+    served : if WAY = "direct" or (WAY = "mixed" and i mod 2 = 1) generate
       \The.Memory\ : entity work.marlune_memory(direct)
         generic map (A, WIDTH)
         port map (clk, '0', address(A - 1 downto 0), q(i)(WIDTH - 1 downto 0), enable, address(A - 1 downto 0),
           data(WIDTH - 1 downto 0));
     else generate
       \The.Memory\ : entity work.marlune_memory(fli)
-        generic map (A, WIDTH, "0 " & integer'image(WIDTH) & CELLS(A))
+        generic map (A, WIDTH, "0 " & integer'image(WIDTH) & size(i))
         port map (clk, '0', address(A - 1 downto 0), q(i)(WIDTH - 1 downto 0), enable, address(A - 1 downto 0),
           data(WIDTH - 1 downto 0));
     end generate;
@@ -90,6 +59,19 @@ begin
   end generate;
 
   process
+
+    -- The forms of a path that a user may write.
+    function path(memory, form : natural) return string is
+      constant number : string := integer'image(memory);
+    begin
+      case form mod 5 is
+        when 0 => return "testbench_tb.memories(" & number & ").served.\The.Memory\";
+        when 1 => return "/testbench_tb/memories(" & number & ")/served/\The.Memory\";
+        when 2 => return testbench_tb'path_name & "memories(" & number & "):served:\The.Memory\:";
+        when 3 => return "testbench_tb.memories[" & number & "].served.\The.Memory\";
+        when others => return "TESTBENCH_TB.MEMORIES(" & number & ").SERVED.\THE.MEMORY\";
+      end case;
+    end function;
 
     procedure expect(actual, wanted : std_logic_vector; what : string) is
     begin
@@ -117,7 +99,6 @@ begin
       constant NAME   : string := "memory " & integer'image(memory);
       constant WIDTH  : positive := WIDTHS(memory);
       constant ZEROS  : std_logic_vector(68 downto 0) := (others => '0');
-      constant NINE   : std_logic_vector(1 to 9) := "UX01ZWLH-";
       variable read   : std_logic_vector(0 to WIDTH - 1);
       variable longer : std_logic_vector(WIDTH + 69 downto 0);
     begin
@@ -129,36 +110,11 @@ begin
         peek(path(memory, 0), to_unsigned(cell, 4 + cell), longer(WIDTH + 68 downto 0));
         expect(longer, 'X' & ZEROS & value_of(memory, cell, WIDTH), NAME & ", a longer value");
       end loop;
-      poke(path(memory, 0), to_unsigned(15, 40), NINE);
-      peek(path(memory, 0), 15, longer);
-      read := (others => '0');
-      if WIDTH > 5 then
-        read(WIDTH - 6) := '1';
-      end if;
-      expect(longer, "0" & ZEROS & read, NAME & ", the nine values");
       peek(path(memory, 0), 14, longer(3 downto 3));
       expect(longer(3 downto 3), value_of(memory, 14, 1), NAME & ", one bit");
-    end procedure;
-
-    -- Ports find what was poked, and what they write is there from the next edge on.
-    procedure access_through_ports is
-      variable read : word;
-    begin
-      address <= x"00000003";
-      enable <= '1';
-      data <= (others => '1');
-      clock_edge;
-      for memory in WIDTHS'range loop
-        expect(q(memory)(WIDTHS(memory) - 1 downto 0), value_of(memory, 3, WIDTHS(memory)), "a port");
-        poke(path(memory, 0), 3, "0");
-      end loop;
-      enable <= '0';
-      clock_edge;
-      for memory in WIDTHS'range loop
-        peek(path(memory, 0), 3, read);
-        expect(q(memory)(WIDTHS(memory) - 1 downto 0), read(WIDTHS(memory) - 1 downto 0), "the port after its write");
-        expect(read(WIDTHS(memory) - 1 downto 0), (1 to WIDTHS(memory) => '1'), "what the port wrote");
-      end loop;
+      poke(path(memory, 0), to_unsigned(15, 40), std_logic_vector'("UX0WZL-H1"));
+      peek(path(memory, 0), 15, longer);
+      expect(longer, "0" & ZEROS & std_logic_vector(to_unsigned(1, WIDTH)), NAME & ", the nine values");
     end procedure;
 
     procedure access_high_addresses(memory : natural) is
@@ -190,6 +146,8 @@ begin
         expect(read, list(cell * WIDTH to (cell + 1) * WIDTH - 1), "a loaded cell");
       end loop;
     end procedure;
+
+    variable read : word;
   begin
     if FAULT = 7 then
       clock_edge;
@@ -209,10 +167,25 @@ begin
       expect_cells(memory - 2, x"0100008002000000");
     end loop;
     assert now = 0 ns;
+
+    -- Ports find what was poked, and what they write is there from the next edge on.
     for memory in WIDTHS'range loop
       poke(path(memory, 0), 3, value_of(memory, 3, WIDTHS(memory)));
     end loop;
-    access_through_ports;
+    address <= x"00000003";
+    enable <= '1';
+    data <= (others => '1');
+    clock_edge;
+    for memory in WIDTHS'range loop
+      expect(q(memory)(WIDTHS(memory) - 1 downto 0), value_of(memory, 3, WIDTHS(memory)), "a port");
+      poke(path(memory, 0), 3, "0");
+    end loop;
+    clock_edge;
+    for memory in WIDTHS'range loop
+      peek(path(memory, 0), 3, read);
+      expect(q(memory)(WIDTHS(memory) - 1 downto 0), (1 to WIDTHS(memory) => '1'), "the port after its write");
+      expect(read(WIDTHS(memory) - 1 downto 0), (1 to WIDTHS(memory) => '1'), "what the port wrote");
+    end loop;
 
     case FAULT is
       when 0 => report "PASSED";

@@ -49,6 +49,7 @@ module forms_tb;
 
   initial begin
     foreach (paths[i]) begin
+      load_image(paths[i], "image.vexon", "data", 'h1004);
       load_bank(paths[i], "image.vexon", "data", 1, 2, 'h1000);
       poke(paths[i], 5, word_t'(i) + 'h1A0);
       foreach (LOADED[c]) expect_value(128'(peek(paths[i], c)), 128'(LOADED[c]), paths[i]);
