@@ -84,9 +84,10 @@ make_readmemh_files() {
 
 # Verilator and make refuse blanks and the like in paths: links take their place, in a folder in /tmp where needed.
 build_verilator() {
-    local folder=$work/model memories=(source/hdl/marlune_dpi.sv source/hdl/marlune_memory.sv
+    local memories=(source/hdl/marlune_dpi.sv source/hdl/marlune_memory.sv
         -LDFLAGS "-Llib -lmarlune_direct -lmarlune_fli_memory")
     [[ -z $native ]] || memories=(source/examples/riscv/native_memory.sv -DNATIVE)
+    folder=$work/model
     if [[ $folder =~ [^A-Za-z0-9_./+-] ]]; then
         folder=$(mktemp -d /tmp/marlune-example.XXXXXX)
         trap 'rm -rf "$folder"' EXIT
