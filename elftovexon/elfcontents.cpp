@@ -1,17 +1,20 @@
+// Conversion of section contents.
 #include "elftovexon/elfcontents.h"
-
-#include "objectfile/bitdigits.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <vector>
 
+#include "objectfile/bitdigits.h"
+
+namespace marlune::elf {
+
 namespace {
 
 constexpr std::size_t LIMB_BYTES = 8;
 
-/// The digits of up to eight file bytes, the first digit in the most significant bit; 0 behind them. Digits follow one
+/// The digits of up to eight file bytes, the first digit in the most significant bit; the rest is 0. Digits follow one
 /// another from file byte to file byte: from bit 7 down for BO_BIG, from bit 0 up for any other order.
 std::uint64_t DigitsOf(std::string_view fileBytes, ObjectFile::eByteOrder order) {
     std::uint64_t number = 0; // little-endian, as the host's numbers
@@ -88,3 +91,5 @@ void AddContents(ObjectFile::CSectionData& data, std::string_view contents, std:
         data.AddPacked(limbs.data(), count * bits);
     }
 }
+
+} // namespace marlune::elf

@@ -1,19 +1,22 @@
 // Conversion of an ELF file that was read and checked into the object model.
-#include "elftovexon/elfcontents.h"
-#include "elftovexon/elftovexon.h"
-
-#include "general_error"
-
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <stdexcept>
+#include <utility>
 
+#include "elftovexon/elfcontents.h"
+#include "elftovexon/elftovexon.h"
+#include "general_error"
+
+using marlune::elf::FileBytesPerByte;
 using marlune::exceptions::CGeneralError;
 using ObjectFile::BO_BIG;
 using ObjectFile::BO_LITTLE;
 using ObjectFile::CMemoryOrganization;
 using ObjectFile::CRelocation;
 using ObjectFile::CSection;
+using ObjectFile::CSharedText;
 using ObjectFile::CSymbol;
 
 namespace {
@@ -59,11 +62,17 @@ bool IsConverted(const std::string& name, const Elf64_Shdr& section) {
            section.sh_type != SHT_RELA;
 }
 
-int BytesPerWord(int wordBitSize, int byteBitSize) {
+/// A valid organization with the name of `named`.
+CMemoryOrganization Organization(CMemoryOrganization named, int wordBitSize, int byteBitSize,
+                                 ObjectFile::eByteOrder order) {
     if (byteBitSize == 0) {
         throw CGeneralError("Unsupported byte bit-size\n");
     }
-    return wordBitSize / byteBitSize;
+    named.SetWordBitSize(wordBitSize);
+    named.SetBytesPerWord(wordBitSize / byteBitSize);
+    named.SetByteOrder(order);
+    named.SetMemoryOrganizationIsValid(true);
+    return named;
 }
 
 constexpr std::size_t LONG_NAME = 1024;
@@ -152,8 +161,8 @@ void ElfToVexon::ConvertFileHeader() {
         if (wordBitSize != 16 && wordBitSize != 32 && wordBitSize != 64) {
             throw CGeneralError("Unsupported word length\n");
         }
-        m_Target->InheritMemoryOrganizationValues(CMemoryOrganization(
-            wordBitSize, BytesPerWord(wordBitSize, space.m_ByteBitSize), m_ByteOrder, space.m_Name));
+        m_Target->InheritMemoryOrganizationValues(
+            Organization(space.m_Named, wordBitSize, space.m_ByteBitSize, m_ByteOrder));
     }
 }
 
@@ -165,7 +174,6 @@ void ElfToVexon::ConvertSections() {
             continue;
         }
         const CMemoryOrganization organization = OrganizationOf(header);
-        m_File.Count(organization.GetAddressSpaceName().size());
         CSection& section = *m_Target->CreateSection(SectionType(header), name, organization);
         const auto elfIndex = static_cast<int>(index);
         section.SetMemoryByteAddress(static_cast<unsigned long long>(GetLoadAddress(elfIndex)));
@@ -182,8 +190,8 @@ CMemoryOrganization ElfToVexon::OrganizationOf(const Elf64_Shdr& section) const 
         return {32, 4, m_ByteOrder, ""};
     }
     const AddressSpace& space = m_AddressSpaces[static_cast<std::size_t>(index)];
-    return {space.m_WordBitSize, BytesPerWord(space.m_WordBitSize, space.m_ByteBitSize),
-            space.m_BigEndian != 0 ? BO_BIG : BO_LITTLE, space.m_Name};
+    return Organization(space.m_Named, space.m_WordBitSize, space.m_ByteBitSize,
+                        space.m_BigEndian != 0 ? BO_BIG : BO_LITTLE);
 }
 
 void ElfToVexon::ConvertContents(int index, CSection& section) const {
@@ -200,7 +208,7 @@ void ElfToVexon::ConvertContents(int index, CSection& section) const {
     if (isLoaded && contents.size() % fileBytes != 0) {
         throw CGeneralError("Section '" + section.GetName() + "' ends within a byte\n");
     }
-    AddContents(*section.CreateSectionData(), contents, fileBytes, section.GetByteOrder());
+    marlune::elf::AddContents(*section.CreateSectionData(), contents, fileBytes, section.GetByteOrder());
 }
 
 char* ElfToVexon::ConvertByteToVexon(const unsigned char* data, int bits, ObjectFile::eByteOrder order, char* out) {
@@ -218,31 +226,41 @@ void ElfToVexon::ConvertSymbols() {
     if (m_Symbols.size() < 2) {
         return;
     }
-    m_ConvertedSections.clear();
     ObjectFile::CSymbolTable& table = *m_Target->CreateSymbolTable();
     std::for_each(std::next(m_Symbols.begin()), m_Symbols.end(),
                   [&](const Elf64_Sym& entry) { table.AddSymbol(ConvertSymbol(entry)); });
+    m_ConvertedSections.clear();
+    m_SymbolStrings.reset();
 }
 
 std::unique_ptr<CSymbol> ElfToVexon::ConvertSymbol(const Elf64_Sym& entry) {
-    const std::string name = SymbolName(entry);
-    if (name.size() > LONG_NAME) { // symbols may well share a name, but not for the length of it
-        m_File.Count(name.size());
+    CSharedText name = SymbolName(entry);
+    if (name.View().size() > LONG_NAME) { // symbols share their names' ends, but each is searched and hashed
+        m_File.CountName(name.View().size());
     }
-    auto symbol = std::make_unique<CSymbol>(name, SymbolType(entry));
+    auto symbol = std::make_unique<CSymbol>(std::move(name), SymbolType(entry));
     symbol->SetBlockSize(static_cast<int>(static_cast<std::uint32_t>(entry.st_size)));
     symbol->SetUsageType(SymbolUsage(entry));
     PlaceSymbol(entry, *symbol);
     return symbol;
 }
 
-std::string ElfToVexon::SymbolName(const Elf64_Sym& entry) const {
+CSharedText ElfToVexon::SymbolName(const Elf64_Sym& entry) {
     if (ELF64_ST_TYPE(entry.st_info) != STT_SECTION) {
-        return GetSymbolName(entry.st_name);
+        return SymbolString(entry.st_name);
     }
-    const std::string& name = GetSectionName(entry.st_shndx);
+    const std::string_view name = GetSectionName(entry.st_shndx);
     // The linker keeps sections of one name in several address spaces apart by what follows the last '@'.
-    return IsExec() && IsHarvard() ? name.substr(0, name.rfind('@')) : name;
+    return CSharedText(IsExec() && IsHarvard() ? name.substr(0, name.rfind('@')) : name);
+}
+
+/// GetSymbolName without a copy for each symbol.
+CSharedText ElfToVexon::SymbolString(unsigned offset) {
+    if (!m_SymbolStrings) {
+        const int contents = GetIndexContentOfSection(GetSectionIndexOfName(".strtab"));
+        m_SymbolStrings = std::make_shared<const std::string>(m_Contents[static_cast<std::size_t>(contents)].m_Bytes);
+    }
+    return {m_SymbolStrings, TerminatedPiece(*m_SymbolStrings, &offset, '\0')};
 }
 
 /// The section of the object with the name of that ELF section, or none; looked up once, for names may be long.
@@ -282,9 +300,13 @@ void ElfToVexon::PlaceSymbol(const Elf64_Sym& entry, CSymbol& symbol) {
 }
 
 void ElfToVexon::ConvertRelocations() {
+    constexpr std::string_view PREFIX = ".rela";
     for (const RelocationContents& relocations : m_Relocations) {
         const std::string& name = m_SectionNames[static_cast<std::size_t>(relocations.m_Section)];
-        CSection* const section = m_Target->FindSection(name.substr(std::string_view(".rela").size()));
+        if (name.size() < PREFIX.size()) {
+            throw std::out_of_range("basic_string::substr");
+        }
+        CSection* const section = m_Target->FindSection(name.substr(PREFIX.size()));
         if (section == nullptr) {
             throw CGeneralError("Relocation: missing section\n");
         }
@@ -324,14 +346,14 @@ ObjectFile::CSymbol* ElfToVexon::RelocationSymbol(const Elf64_Rela& entry) {
 }
 
 unsigned ElfToVexon::ConvertRelocationType(const Elf64_Rela* entry, bool& reversed) {
-    struct SRow {
+    struct CRow {
         unsigned m_Flags;
         bool m_Reversed;
     };
     constexpr unsigned RELATIVE = CRelocation::FLAG_RELATIVE | CRelocation::FLAG_F;
     constexpr unsigned ABSOLUTE = CRelocation::FLAG_F;
     constexpr unsigned SIGNED = CRelocation::FLAG_SIGNED;
-    static constexpr std::array<SRow, 8> ROWS{{{RELATIVE, false},
+    static constexpr std::array<CRow, 8> ROWS{{{RELATIVE, false},
                                                {ABSOLUTE, false},
                                                {RELATIVE | SIGNED, false},
                                                {ABSOLUTE | SIGNED, false},
@@ -343,7 +365,7 @@ unsigned ElfToVexon::ConvertRelocationType(const Elf64_Rela* entry, bool& revers
     if (type < 1 || type > ROWS.size()) {
         throw CGeneralError("Unsupported relocation type\n");
     }
-    const SRow& row = ROWS[static_cast<std::size_t>(type) - 1];
+    const CRow& row = ROWS[static_cast<std::size_t>(type) - 1];
     reversed = row.m_Reversed;
     return row.m_Flags | (CFieldDescription(entry->r_addend).MaskWidth() != 0 ? CRelocation::FLAG_MASK : 0U);
 }

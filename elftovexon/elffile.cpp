@@ -1,18 +1,22 @@
+// The bytes of an ELF file.
 #include "elftovexon/elffile.h"
-
-#include "general_error"
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 #include <sys/stat.h>
 
-using marlune::exceptions::CGeneralError;
+#include "general_error"
 
-CElfFile::CElfFile(const std::string& path) : m_File(std::fopen(path.c_str(), "rb")) {
+namespace marlune::elf {
+
+using exceptions::CGeneralError;
+
+CElfFile::CElfFile(ObjectFile::CFileHandle file) : m_File(std::move(file)) {
     struct stat status {};
-    if (!m_File || fstat(fileno(m_File.get()), &status) != 0 || !S_ISREG(status.st_mode)) {
-        throw CGeneralError("File '" + path + "' could not be opened.\n");
+    if (fstat(fileno(m_File.get()), &status) != 0) {
+        ThrowUnexpectedEnd();
     }
     m_Size = static_cast<std::size_t>(status.st_size);
     ReadTo(std::min(m_Size, HEADER_SIZE));
@@ -22,7 +26,8 @@ void CElfFile::ReadAll() {
     m_Bytes.reserve(m_Size);
     ReadTo(m_Size);
     m_File.reset();
-    m_Left = m_Size * MAX_OVERLAP;
+    m_BytesLeft = m_Size * MAX_REUSE;
+    m_NameBytesLeft = std::max(m_BytesLeft, MIN_NAME_BYTES);
 }
 
 void CElfFile::ReadTo(std::size_t size) {
@@ -44,17 +49,19 @@ std::string_view CElfFile::Take(std::uint64_t offset, std::uint64_t size) {
     if (offset > m_Bytes.size() || size > m_Bytes.size() - offset) {
         ThrowUnexpectedEnd();
     }
-    Count(size);
+    Spend(m_BytesLeft, size);
     return All().substr(static_cast<std::size_t>(offset), static_cast<std::size_t>(size));
 }
 
-void CElfFile::Count(std::uint64_t bytes) {
-    if (bytes > m_Left) {
-        throw CGeneralError("Too many overlapping parts\n");
+void CElfFile::Spend(std::uint64_t& left, std::uint64_t bytes) {
+    if (bytes > left) {
+        throw CGeneralError("The headers use the file's bytes more than 8 times over\n");
     }
-    m_Left -= bytes;
+    left -= bytes;
 }
 
 void CElfFile::ThrowUnexpectedEnd() {
     throw CGeneralError("Unexpected end of file\n");
 }
+
+} // namespace marlune::elf

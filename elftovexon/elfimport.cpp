@@ -1,5 +1,7 @@
-// How the object-file library reaches the ELF importer.
+// How the object-file library reaches the ELF importer: implements objectfile/elfimport.h.
 #include "objectfile/elfimport.h"
+
+#include <utility>
 
 #include "elftovexon/elftovexon.h"
 
@@ -9,10 +11,13 @@ bool IsElfFile(const std::string& path) {
     return ElfToVexon::IsElfFile(path.c_str());
 }
 
-void LoadElfFile(const std::string& path, CObjectFile& target) {
-    ElfToVexon converter(path.c_str(), &target);
-    target.Free();
-    target.ClearEntryPoint();
+bool IsElfFile(std::FILE& file) {
+    return ElfToVexon::IsElfFile(file);
+}
+
+void LoadElfFile(CFileHandle file, const std::string& path, CObjectFile& target) {
+    ElfToVexon converter(std::move(file), path, &target);
+    target.Clear();
     converter.Convert();
     converter.ReleaseConvertedVexon();
 }

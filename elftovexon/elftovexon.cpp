@@ -1,15 +1,19 @@
 // Reading and checking of ELF files.
 #include "elftovexon/elftovexon.h"
 
-#include "general_error"
-
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <fstream>
 #include <iterator>
+#include <utility>
 
+#include <unistd.h>
+
+#include "general_error"
+
+using marlune::elf::CElfFile;
 using marlune::exceptions::CGeneralError;
+using ObjectFile::CFileHandle;
 using ObjectFile::CObjectFile;
 
 namespace {
@@ -20,6 +24,14 @@ constexpr std::string_view MAGIC(ELFMAG, SELFMAG);
 
 std::unique_ptr<CObjectFile> MakeEmptyObject() {
     return std::make_unique<CObjectFile>(0, 0, ObjectFile::BO_LITTLE, "");
+}
+
+CFileHandle Open(const std::string& path) {
+    CFileHandle file = ObjectFile::OpenRegularFile(path);
+    if (!file) {
+        throw CGeneralError("File '" + path + "' could not be opened.\n");
+    }
+    return file;
 }
 
 std::uint64_t EntryCount(const Elf64_Shdr& section) {
@@ -34,16 +46,6 @@ void Append(std::vector<T>& list, const std::vector<T>& more) {
     list.insert(list.end(), more.begin(), more.end());
 }
 
-/// Does the segment hold the section, in the file and in memory?
-bool Holds(const Elf64_Phdr& segment, const Elf64_Shdr& section) {
-    const Elf64_Word wanted = (section.sh_flags & SHF_TLS) != 0 ? PT_TLS : PT_LOAD;
-    const bool inFile =
-        section.sh_type == SHT_NOBITS || (section.sh_offset >= segment.p_offset &&
-                                          section.sh_offset + section.sh_size - segment.p_offset <= segment.p_filesz);
-    return segment.p_type == wanted && inFile && section.sh_addr >= segment.p_vaddr &&
-           section.sh_addr - segment.p_vaddr + section.sh_size <= segment.p_memsz;
-}
-
 /// The low 32 bits, which the caller sign-extends.
 int Address32(std::uint64_t address) {
     return static_cast<int>(static_cast<std::uint32_t>(address));
@@ -52,19 +54,26 @@ int Address32(std::uint64_t address) {
 } // namespace
 
 ElfToVexon::ElfToVexon(const char* fileName)
-    : m_FileName(fileName), m_File(m_FileName), m_Owned(MakeEmptyObject()), m_Target(m_Owned.get()) {
+    : m_FileName(fileName), m_File(Open(m_FileName)), m_Owned(MakeEmptyObject()), m_Target(m_Owned.get()) {
     LoadFile();
 }
 
-ElfToVexon::ElfToVexon(const char* fileName, CObjectFile* target)
-    : m_FileName(fileName), m_File(m_FileName), m_Target(target) {
+ElfToVexon::ElfToVexon(const char* fileName, CObjectFile* target) : ElfToVexon(Open(fileName), fileName, target) {}
+
+ElfToVexon::ElfToVexon(CFileHandle file, std::string fileName, CObjectFile* target)
+    : m_FileName(std::move(fileName)), m_File(std::move(file)), m_Target(target) {
     LoadFile();
 }
 
 bool ElfToVexon::IsElfFile(const char* path) {
-    std::ifstream file(path, std::ios::binary);
+    const CFileHandle file = ObjectFile::OpenRegularFile(path);
+    return file && IsElfFile(*file);
+}
+
+bool ElfToVexon::IsElfFile(std::FILE& file) {
     std::array<char, SELFMAG> start{};
-    return file.read(start.data(), start.size()) && std::string_view(start.data(), start.size()) == MAGIC;
+    const ssize_t count = pread(fileno(&file), start.data(), start.size(), 0);
+    return count == SELFMAG && std::string_view(start.data(), start.size()) == MAGIC;
 }
 
 bool ElfToVexon::SaveToFile(const char* name) {
@@ -105,7 +114,7 @@ void ElfToVexon::ReadHeader() {
     if (m_Header.e_machine != MACHINE) {
         throw CGeneralError("Incorrect architecture\n");
     }
-    if (m_Header.e_ident[EI_CLASS] != ELFCLASS64) {
+    if (m_Header.e_ident[EI_CLASS] == ELFCLASS32) { // all others are read with the 64-bit layouts
         throw CGeneralError("Unsupported ELF class\n");
     }
 }
@@ -119,6 +128,10 @@ void ElfToVexon::ReadTables() {
     for (std::uint64_t i = 0; i < m_Header.e_shnum; ++i) {
         const std::uint64_t offset = m_Header.e_shoff + i * m_Header.e_shentsize;
         m_SectionHeaders.push_back(m_File.TakeRecord<Elf64_Shdr>(offset));
+    }
+    if (HasPhysicalAddresses()) {
+        m_LoadSegments.emplace(m_ProgramHeaders, PT_LOAD);
+        m_TlsSegments.emplace(m_ProgramHeaders, PT_TLS);
     }
 }
 
@@ -162,7 +175,7 @@ void ElfToVexon::ReadAddressSpaces(int section) {
     };
     for (unsigned left = readHalf(); left > 0; --left) {
         AddressSpace space;
-        space.m_Name = GetVectorPieceTerminatedBy(section, &offset, '\0');
+        space.m_Named.SetAddressSpaceName(std::string(GetVectorPieceTerminatedBy(section, &offset, '\0')));
         space.m_First = readHalf();
         space.m_WordBitSize = readHalf();
         space.m_ByteBitSize = readHalf();
@@ -178,7 +191,7 @@ void ElfToVexon::ReadSectionNames() {
     for (const Elf64_Shdr& section : m_SectionHeaders) {
         unsigned offset = section.sh_name;
         const std::string_view name = GetVectorPieceTerminatedBy(m_Header.e_shstrndx, &offset, '\0');
-        m_File.Count(name.size());
+        m_File.CountName(name.size());
         m_SectionNames.emplace_back(name);
     }
     for (std::size_t i = 0; i < m_SectionNames.size(); ++i) {
@@ -230,7 +243,11 @@ std::string_view ElfToVexon::GetVectorPieceOfSize(int section, int offset, int s
 }
 
 std::string_view ElfToVexon::GetVectorPieceTerminatedBy(int section, unsigned* offset, char terminator) const {
-    const std::string_view bytes = m_Contents[static_cast<std::size_t>(GetIndexContentOfSection(section))].m_Bytes;
+    return TerminatedPiece(m_Contents[static_cast<std::size_t>(GetIndexContentOfSection(section))].m_Bytes, offset,
+                           terminator);
+}
+
+std::string_view ElfToVexon::TerminatedPiece(std::string_view bytes, unsigned* offset, char terminator) {
     const std::size_t start = *offset;
     const std::size_t end = bytes.find(terminator, start);
     if (end == std::string_view::npos || end >= UINT32_MAX) {
@@ -261,22 +278,12 @@ int ElfToVexon::GetLoadAddress(int sectionIndex) const {
         throw CGeneralError("Section index out of range\n");
     }
     const Elf64_Shdr& section = m_SectionHeaders[static_cast<std::size_t>(sectionIndex)];
-    std::uint64_t address = section.sh_addr;
-    if ((section.sh_flags & SHF_ALLOC) == 0 || !HasPhysicalAddresses()) {
-        return Address32(address);
+    const auto& segments = (section.sh_flags & SHF_TLS) != 0 ? m_TlsSegments : m_LoadSegments;
+    const Elf64_Phdr* const segment =
+        (section.sh_flags & SHF_ALLOC) != 0 && segments ? segments->Find(section) : nullptr;
+    if (segment == nullptr) {
+        return Address32(section.sh_addr);
     }
-    for (const Elf64_Phdr& segment : m_ProgramHeaders) {
-        if (!Holds(segment, section)) {
-            continue;
-        }
-        if (section.sh_type == SHT_NOBITS) {
-            address = segment.p_paddr + section.sh_addr - segment.p_vaddr;
-            continue;
-        }
-        address = segment.p_paddr + section.sh_offset - segment.p_offset;
-        if (section.sh_addr + section.sh_size <= segment.p_vaddr + segment.p_memsz) {
-            break;
-        }
-    }
-    return Address32(address);
+    return Address32(section.sh_type == SHT_NOBITS ? segment->p_paddr + section.sh_addr - segment->p_vaddr
+                                                   : segment->p_paddr + section.sh_offset - segment->p_offset);
 }

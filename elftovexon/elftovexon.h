@@ -1,17 +1,22 @@
+// The ELF importer.
 #ifndef MARLUNE_ELFTOVEXON_ELFTOVEXON_H
 #define MARLUNE_ELFTOVEXON_ELFTOVEXON_H
 
-#include "elftovexon/elffile.h"
-#include "objectfile/objectfile.h"
-
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include <elf.h>
+
+#include "elftovexon/elffile.h"
+#include "elftovexon/segmentindex.h"
+#include "objectfile/objectfile.h"
+#include "objectfile/seededhash.h"
+#include "objectfile/sharedtext.h"
 
 /// Base of the converters into the object model.
 class Converter {
@@ -36,9 +41,13 @@ public:
     explicit ElfToVexon(const char* fileName);
     /// The same; converts into `target`, which is borrowed.
     ElfToVexon(const char* fileName, ObjectFile::CObjectFile* target);
+    /// The same for a file that is open already.
+    ElfToVexon(ObjectFile::CFileHandle file, std::string fileName, ObjectFile::CObjectFile* target);
 
     /// Does the file begin with the ELF magic? False when it cannot be read.
     static bool IsElfFile(const char* path);
+    /// The same for an open file, whose position stays.
+    static bool IsElfFile(std::FILE& file);
 
     /// Fills the object file. Besides CGeneralError the object model's errors pass: general_error for two non-local
     /// symbols of one name, std::out_of_range for a relocation section whose name has fewer than five characters.
@@ -63,7 +72,7 @@ public:
     /// `size` bytes of a section's contents from `offset` on; nothing for a size below 1. Views into the file as the
     /// converter holds it.
     std::string_view GetVectorPieceOfSize(int section, int offset, int size) const;
-    /// The bytes from `*offset` up to the terminator; moves the offset behind that.
+    /// The bytes from `*offset` up to the terminator; moves the offset after that.
     std::string_view GetVectorPieceTerminatedBy(int section, unsigned* offset, char terminator) const;
     /// The string at that offset of the section ".strtab".
     std::string GetSymbolName(unsigned offset) const;
@@ -74,7 +83,7 @@ public:
     /// BO_BIG the last of its file bytes holds the low bits and the most significant digit comes first; for any other
     /// order the first file byte holds the low bits and the least significant digit comes first.
     static char* ConvertByteToVexon(const unsigned char* data, int bits, ObjectFile::eByteOrder order, char* out);
-    /// CRelocation's flags. `reversed` tells whether the shift is negated and the mask counts from the top.
+    /// CRelocation's flags. `reversed` says whether the shift is negated and the mask counts from the top.
     static unsigned ConvertRelocationType(const Elf64_Rela* entry, bool& reversed);
 
 private:
@@ -83,8 +92,8 @@ private:
         int m_Section;
     };
     struct AddressSpace {
-        std::string m_Name;
-        std::uint16_t m_First; // carried, without a use here
+        ObjectFile::CMemoryOrganization m_Named; // only holds the name, which copies share
+        std::uint16_t m_First;                   // carried, without a use here
         std::uint16_t m_WordBitSize;
         std::uint16_t m_ByteBitSize;
         std::uint16_t m_BigEndian; // 0: little-endian
@@ -114,28 +123,34 @@ private:
     void ConvertRelocations();
     ObjectFile::CMemoryOrganization OrganizationOf(const Elf64_Shdr& section) const;
     std::unique_ptr<ObjectFile::CSymbol> ConvertSymbol(const Elf64_Sym& entry);
-    std::string SymbolName(const Elf64_Sym& entry) const;
+    ObjectFile::CSharedText SymbolName(const Elf64_Sym& entry);
+    ObjectFile::CSharedText SymbolString(unsigned offset);
+    static std::string_view TerminatedPiece(std::string_view bytes, unsigned* offset, char terminator);
     void PlaceSymbol(const Elf64_Sym& entry, ObjectFile::CSymbol& symbol);
     ObjectFile::CSection* ConvertedSection(unsigned index);
     ObjectFile::CRelocation ConvertRelocation(const Elf64_Rela& entry, int bitsPerByte);
     ObjectFile::CSymbol* RelocationSymbol(const Elf64_Rela& entry);
 
     std::string m_FileName;
-    CElfFile m_File;
+    marlune::elf::CElfFile m_File;
     std::unique_ptr<ObjectFile::CObjectFile> m_Owned; // none when converting into an object passed in
     ObjectFile::CObjectFile* m_Target;
     Elf64_Ehdr m_Header{};
     ObjectFile::eByteOrder m_ByteOrder = ObjectFile::BO_UNDEFINED; // set by ConvertFileHeader
     std::vector<Elf64_Phdr> m_ProgramHeaders;
+    std::optional<marlune::elf::CSegmentIndex> m_LoadSegments; // none when all addresses are virtual ones
+    std::optional<marlune::elf::CSegmentIndex> m_TlsSegments;  // the same
     std::vector<Elf64_Shdr> m_SectionHeaders;
     std::vector<SectionContents> m_Contents; // in the order of their sections
     std::vector<AddressSpace> m_AddressSpaces;
     std::vector<Elf64_Sym> m_Symbols;
     std::vector<RelocationContents> m_Relocations;
     std::vector<std::string> m_SectionNames;
-    std::unordered_map<unsigned, ObjectFile::CSection*>
-        m_ConvertedSections;                                    // by ELF index, while symbols are converted
-    std::unordered_map<std::string_view, int> m_SectionIndices; // by name; the first of each
+    std::unordered_map<std::string_view, int, ObjectFile::CSeededHash> m_SectionIndices; // the first of each name
+
+    // While symbols are converted
+    std::unordered_map<unsigned, ObjectFile::CSection*> m_ConvertedSections; // by ELF index
+    std::shared_ptr<const std::string> m_SymbolStrings; // the names' section, shared with the symbols
 };
 
 #endif

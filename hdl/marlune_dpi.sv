@@ -1,23 +1,24 @@
-// A test bench's direct way to the memories, past their ports and in no time: load program images, read and write cells.
+// A test bench's direct way to the memories, past their ports and in no time: load program images, read and write
+// cells.
 //
-// Addresses count cells; a cell holds one addressable unit (LAU) of an image, as many bits wide as the second of the
+// Addresses count cells. A cell holds one LAU (least addressable unit) of an image, as many bits as the second of the
 // memory's parameters says. A memory is found by the path of its instance.
 //
-// An error (no such memory, an image that cannot be loaded or does not fit) ends the simulation with its text. An address
-// at or beyond a memory's size is told in the transcript; a read then gives 0 and a write does nothing.
+// An error (no such memory, an image that cannot be loaded or does not fit) ends the simulation with a message. An
+// address at or beyond a memory's size is reported; a read then gives 0, and a write has no effect.
 package marlune_dpi;
 
-  // Wide enough for every memory. A memory of fewer bits uses the low ones.
+  // A memory of fewer bits uses the low ones. There are none of more.
   typedef logic [1023:0] word_t;
 
   // ---- The library's functions ----
 
   // Loads the sections of an address space. The memory's name is that of its instance with a suffix ".RAM" (or "_RAM"),
   // which is cut off again: what stands before the last "RAM" of the name, less one character, is the memory. A name
-  // without "RAM" is taken whole. Any spelling of the path will do: separators become "_".
+  // without "RAM" is taken whole. The path may be written in any way, since its separators become "_".
   //
-  // The units at low_address + phase, then every stride-th, up to high_address (inclusive) go to the cells cell_base /
-  // stride, then one by one. All five count units. Cells that get no unit keep their contents. A file is read once, however
+  // The LAUs at low_address + phase, then every stride-th, up to high_address (inclusive) go to the cells from
+  // cell_base / stride on. All five count LAUs. Cells that get no LAU keep their contents. A file is read once, however
   // many memories are filled from it.
   import "DPI-C" function void marlune_dpi_memory_init(
       input string name, input string file, input string address_space, input int unsigned cell_base,
@@ -46,25 +47,26 @@ package marlune_dpi;
       endcase
   endfunction
 
-  // Loads an address space of an image, the unit at address `base` into cell 0. Units below base are left out.
+  // Loads an address space of an image, the LAU at address `base` into cell 0. LAUs below base are left out.
   function automatic void load_image(string path, string file, string address_space, int unsigned base = 0);
     marlune_dpi_memory_init({path, ".RAM"}, file, address_space, 0, base, 32'hFFFF_FFFF, 0, 1);
   endfunction
 
-  // Loads one bank of a memory that is interleaved unit by unit: the units at base + bank, base + bank + banks, and so on
+  // Loads one bank of a memory that is interleaved LAU by LAU: the LAUs at base + bank, base + bank + banks, and so on
   // into cells 0, 1, and so on.
   function automatic void load_bank(string path, string file, string address_space, int unsigned bank,
                                     int unsigned banks, int unsigned base = 0);
     marlune_dpi_memory_init({path, ".RAM"}, file, address_space, 0, base, 32'hFFFF_FFFF, bank, banks);
   endfunction
 
-  // The contents of a cell, without sign.
+  // The contents of a cell, without sign. Cast them to the memory's width: "%h" of all 1024 bits prints 256 digits.
   function automatic word_t peek(string path, int unsigned address);
     peek = '0;
     marlune_dpi_memory_read(memory_name(path), address, peek);
   endfunction
 
-  // Stores into a cell. A write that a port has recorded comes later, at the next edge.
+  // Stores into a cell. A write that a port has recorded comes later, at the next edge. Some simulators want the value
+  // to have all 1024 bits: word_t'(value).
   function automatic void poke(string path, int unsigned address, word_t value);
     marlune_dpi_memory_write(memory_name(path), address, value);
   endfunction
@@ -83,8 +85,8 @@ endpackage
 //
 // PARAMETERS are "mode width cells", and "" makes them of MODE, DATA_BITS and ADDRESS_BITS.
 //
-// PORTS are the names of all ports but CLK, each followed by a blank. WIDTHS are their widths in bits, 32 bits each, after
-// 32 bits of 0. `inputs` and `outputs` are their values. All begin with the first port.
+// PORTS are the names of all ports but CLK, each followed by a blank. WIDTHS are their widths in bits, 32 bits each,
+// after 32 bits of 0. `inputs` and `outputs` are their values. All begin with the first port.
 module marlune_ports #(
     parameter PARAMETERS = "",
     parameter MODE = 0,
@@ -116,8 +118,8 @@ module marlune_ports #(
   bit [OUTPUT_BITS-1:0] at_rise, at_look, risen, looked;
   longint unsigned rise_stamp, look_stamp, rise, look;
 
-  // The stamp differs from edge to edge. It makes the inputs come after each edge, changed or not: when the registers of
-  // the same clock have their new values, and once more for each later change.
+  // The stamp differs from edge to edge. It makes the inputs come after each edge, changed or not: when the registers
+  // of the same clock have their new values, and once more for each later change.
   always @(posedge CLK) begin
     rise = marlune_sv_rise(memory, $realtime, risen);
     at_rise <= risen;

@@ -1,11 +1,11 @@
 // Writing a value into the bit field that a relocation describes.
-#include "objectfile/objectfile.h"
-#include "objectfile/section.h"
-
 #include <climits>
 #include <cstdint>
 #include <iostream>
 #include <stdexcept>
+
+#include "objectfile/objectfile.h"
+#include "objectfile/section.h"
 
 namespace ObjectFile {
 
@@ -31,7 +31,7 @@ void Warn(const char* kind, const CRelocation& relocation, long long value, int 
     }
     std::cerr << "Warning: " << kind << " value " << std::dec << value << "(" << std::hex << value << ")"
               << " on address " << relocation.m_Address << " is too big to fit into " << std::dec << width
-              << " bits, value was truncated to " << std::hex << cut << ",(symbol name: '" << symbol->GetName()
+              << " bits, value was truncated to " << std::hex << cut << ",(symbol name: '" << symbol->GetNameView()
               << "', ";
     const CSection* const section = symbol->HasSection() ? symbol->GetSection() : nullptr;
     if (section == nullptr) {

@@ -1,3 +1,4 @@
+// A sequence of bits most of which may never be written.
 #include "objectfile/bitstore.h"
 
 #include <algorithm>
@@ -21,10 +22,6 @@ void ClearBits(std::uint64_t* limbs, std::uint64_t begin, std::uint64_t end) {
 }
 
 } // namespace
-
-std::uint64_t CBitStore::Get(std::uint64_t position, unsigned count) const {
-    return CBitReader(*this).Get(position, count);
-}
 
 void CBitStore::Set(std::uint64_t position, unsigned count, std::uint64_t bits) {
     while (count > 0) { // twice when the bits lie in two limbs
@@ -60,12 +57,12 @@ bool CBitStore::IsUntouched(std::uint64_t position, std::uint64_t count) const {
     return chunk == m_Chunks.end() || chunk->first * BITS_PER_CHUNK >= position + count;
 }
 
-CBitStore::SConstLimbs CBitStore::FindChunk(std::uint64_t chunk) const {
+CBitStore::CConstLimbs CBitStore::FindChunk(std::uint64_t chunk) const {
     const auto found = m_Chunks.find(chunk);
-    return found == m_Chunks.end() ? SConstLimbs{} : SConstLimbs{found->second.data(), found->second.size()};
+    return found == m_Chunks.end() ? CConstLimbs{} : CConstLimbs{found->second.data(), found->second.size()};
 }
 
-CBitStore::SLimbs CBitStore::MakeChunk(std::uint64_t chunk, std::uint64_t limb) {
+CBitStore::CLimbs CBitStore::MakeChunk(std::uint64_t chunk, std::uint64_t limb) {
     std::vector<std::uint64_t>& limbs = m_Chunks[chunk];
     if (limb >= limbs.size()) {
         // Grown by doubling, at the end to exactly a chunk.

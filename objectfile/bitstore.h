@@ -1,3 +1,4 @@
+// A sequence of bits most of which may never be written.
 #ifndef MARLUNE_OBJECTFILE_BITSTORE_H
 #define MARLUNE_OBJECTFILE_BITSTORE_H
 
@@ -7,16 +8,16 @@
 
 namespace ObjectFile {
 
-/// A sequence of up to 2^64 bits in which bits never written read as 0. Memory is taken in chunks of 64 KiB where
-/// something was written, and less for a chunk of which only the beginning is in use. Within a 64-bit limb the bit with
-/// the smallest index is the most significant.
+/// A sequence of up to 2^64 bits in which bits never written read as 0. Within a 64-bit limb the bit with the smallest
+/// index is the most significant.
+///
+/// A map holds chunks of 4 KiB where something was written; a chunk takes memory up to its last limb in use. Finding a
+/// chunk costs O(log chunks). Small chunks keep the memory in proportion to what was written, wherever that lies.
 class CBitStore {
 public:
-    static constexpr std::uint64_t LIMBS_PER_CHUNK = 8192;
+    static constexpr std::uint64_t LIMBS_PER_CHUNK = 512;
     static constexpr std::uint64_t BITS_PER_CHUNK = LIMBS_PER_CHUNK * 64;
 
-    /// `count` (1 to 64) bits from `position` on, right-aligned, the first of them the most significant.
-    std::uint64_t Get(std::uint64_t position, unsigned count) const;
     /// Stores the low `count` (1 to 64) bits of `bits`.
     void Set(std::uint64_t position, unsigned count, std::uint64_t bits);
     /// Makes `count` bits 0; takes no memory for it.
@@ -26,17 +27,17 @@ public:
     /// True when nothing was ever written there; false says nothing about the bits.
     bool IsUntouched(std::uint64_t position, std::uint64_t count) const;
 
-    /// The limbs of a chunk that are in use; those behind them are 0.
+    /// The limbs of a chunk that are in use; those after them are 0.
     template <typename TLimb>
-    struct SLimbSpan {
+    struct CLimbSpan {
         TLimb* m_Limbs = nullptr;
         std::uint64_t m_Count = 0;
     };
-    using SLimbs = SLimbSpan<std::uint64_t>;
-    using SConstLimbs = SLimbSpan<const std::uint64_t>;
-    SConstLimbs FindChunk(std::uint64_t chunk) const;
+    using CLimbs = CLimbSpan<std::uint64_t>;
+    using CConstLimbs = CLimbSpan<const std::uint64_t>;
+    CConstLimbs FindChunk(std::uint64_t chunk) const;
     /// The same, with at least limb number `limb` in use.
-    SLimbs MakeChunk(std::uint64_t chunk, std::uint64_t limb);
+    CLimbs MakeChunk(std::uint64_t chunk, std::uint64_t limb);
 
 private:
     std::map<std::uint64_t, std::vector<std::uint64_t>> m_Chunks;
@@ -47,7 +48,7 @@ class CBitReader {
 public:
     explicit CBitReader(const CBitStore& store) : m_Store(&store) {}
 
-    /// As CBitStore::Get.
+    /// `count` (1 to 64) bits from `position` on, right-aligned, the first of them the most significant.
     std::uint64_t Get(std::uint64_t position, unsigned count) {
         const std::uint64_t limb = position / 64;
         const auto offset = static_cast<unsigned>(position % 64);
@@ -71,11 +72,11 @@ public:
 
 private:
     const CBitStore* m_Store;
-    CBitStore::SConstLimbs m_Limbs;
+    CBitStore::CConstLimbs m_Limbs;
     std::uint64_t m_Chunk = ~std::uint64_t{0};
 };
 
-/// Appends to a store behind its last bit ever written.
+/// Appends to a store after the last bit that was ever written.
 class CBitAppender {
 public:
     CBitAppender(CBitStore& store, std::uint64_t position) : m_Store(&store), m_Position(position) {}
@@ -108,7 +109,7 @@ private:
 
     CBitStore* m_Store;
     std::uint64_t m_Position;
-    CBitStore::SLimbs m_Limbs;
+    CBitStore::CLimbs m_Limbs;
     std::uint64_t m_Chunk = ~std::uint64_t{0};
 };
 

@@ -1,8 +1,12 @@
-// The two things that the object-file library asks of the ELF importer, which lies above it.
+// What the object-file library asks of the ELF importer, which lies above it and implements it in
+// elftovexon/elfimport.cpp.
 #ifndef MARLUNE_OBJECTFILE_ELFIMPORT_H
 #define MARLUNE_OBJECTFILE_ELFIMPORT_H
 
+#include <cstdio>
 #include <string>
+
+#include "objectfile/regularfile.h"
 
 namespace ObjectFile {
 
@@ -10,9 +14,11 @@ class CObjectFile;
 
 /// Does the file begin like an ELF file? False when it cannot be opened.
 bool IsElfFile(const std::string& path);
+/// The same for an open file, whose position stays.
+bool IsElfFile(std::FILE& file);
 
-/// Converts an ELF file into `target`; its errors pass to the caller.
-void LoadElfFile(const std::string& path, CObjectFile& target);
+/// Converts the ELF file, which was opened as `path`, into `target`; its errors pass to the caller.
+void LoadElfFile(CFileHandle file, const std::string& path, CObjectFile& target);
 
 } // namespace ObjectFile
 

@@ -26,11 +26,14 @@ class syntax_error : public CMessageError {
 public:
     /// `line` is the zero-based number of the offending line; 0 also where no line can be named.
     syntax_error(int line, const std::string& text)
-        : CMessageError("Line " + std::to_string(line) + ": " + text), m_Line(line) {}
+        : CMessageError("Line " + std::to_string(line) + ": " + text), m_Text(text), m_Line(line) {}
 
     int GetLine() const { return m_Line; }
+    /// The message without the line.
+    const std::string& GetText() const { return m_Text; }
 
 private:
+    std::string m_Text;
     int m_Line;
 };
 

@@ -1,12 +1,13 @@
+// The assembly line table: which source line an address comes from.
 #include "objectfile/lineinfo.h"
-
-#include "objectfile/objectfile.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <iostream>
 #include <limits>
+
+#include "objectfile/objectfile.h"
 
 namespace ObjectFile {
 
@@ -40,10 +41,17 @@ int WrappingSum(int a, long long b) {
 bool CLineTable::PopulateFromMarluneLineSection() {
     m_Rows.clear();
     m_FileNames.clear();
-    m_Section = m_ObjectFile->FindSection(VEXON_LINE_SEC_NAME);
-    if (m_Section == nullptr || m_Section->GetSectionData() == nullptr) {
+    const CSection* const section = m_ObjectFile->FindSection(VEXON_LINE_SEC_NAME);
+    if (section == nullptr || section->GetSectionData() == nullptr) {
         return false;
     }
+    m_Section = section;
+    const bool complete = Decode();
+    m_Section = nullptr;
+    return complete;
+}
+
+bool CLineTable::Decode() {
     const int bytesPerWord = m_Section->GetBytesPerWord();
     if (bytesPerWord < 1 || m_Section->GetWordBitSize() / bytesPerWord < MIN_BYTE_BIT_SIZE) {
         std::cerr << "Warning (internal error): Assembly line information is present, but sections have byte size "
@@ -132,12 +140,13 @@ int CLineTable::ReadStartAddress(int position, unsigned long long* address) cons
     for (int i = 0; i < START_ADDRESS_BYTES; ++i) {
         digits += SignificantDigits(position + i);
     }
-    *address = ConvBinToInt(digits, m_Section->GetByteOrder());
+    *address = ConvBinToInt(digits, Section().GetByteOrder());
     return position + START_ADDRESS_BYTES;
 }
 
 int CLineTable::ReadByte(int position, char* value) const {
-    const auto number = static_cast<long long>(ConvBinToInt(SignificantDigits(position), m_Section->GetByteOrder()));
+    const eByteOrder order = Section().GetByteOrder();
+    const auto number = static_cast<long long>(ConvBinToInt(SignificantDigits(position), order));
     if (number < -256) {
         throw general_error("Signed character value underflow while reading character data.");
     }
@@ -172,13 +181,17 @@ int CLineTable::ReadNumAsStringZero(int position, long long* value) const {
 
 /// A byte's text, of which a wide byte's leading digits of no influence on a 64-bit number are left out.
 std::string CLineTable::SignificantDigits(int position) const {
-    const CSectionData* const data = m_Section != nullptr ? m_Section->GetSectionData() : nullptr;
-    if (data == nullptr) {
+    const CSectionData& data = *Section().GetSectionData();
+    const int length = data.GetByteLength(position);
+    const int first = Section().GetByteOrder() == BO_LITTLE ? 0 : std::max(0, length - NUMBER_DIGITS);
+    return data.GetByteDigits(position, first, NUMBER_DIGITS);
+}
+
+const CSection& CLineTable::Section() const {
+    if (m_Section == nullptr) {
         throw general_error("There is no assembly line section.");
     }
-    const int length = data->GetByteLength(position);
-    const int first = m_Section->GetByteOrder() == BO_LITTLE ? 0 : std::max(0, length - NUMBER_DIGITS);
-    return data->GetByteDigits(position, first, NUMBER_DIGITS);
+    return *m_Section;
 }
 
 } // namespace ObjectFile

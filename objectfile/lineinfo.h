@@ -1,3 +1,4 @@
+// The assembly line table: which source line an address comes from.
 #ifndef MARLUNE_OBJECTFILE_LINEINFO_H
 #define MARLUNE_OBJECTFILE_LINEINFO_H
 
@@ -19,8 +20,9 @@ struct CLineInfo {
 };
 
 /// Maps memory addresses to source lines of the assembly input: the section ".marlune_line", decoded.
-/// The reading operations take a byte position of the section, return the position behind what they read, and throw
-/// general_error on malformed contents and std::out_of_range at the section's end.
+/// The table holds the section only while PopulateFromMarluneLineSection runs. The reading operations take a byte
+/// position of the section, return the position after what they read, and throw general_error without a section and on
+/// malformed contents, and std::out_of_range at the section's end.
 class CLineTable {
 public:
     /// The object file is borrowed.
@@ -43,10 +45,13 @@ public:
     int ReadNumAsStringZero(int position, long long* value) const;
 
 private:
+    /// Throws general_error while there is none.
+    const CSection& Section() const;
     std::string SignificantDigits(int position) const;
+    bool Decode();
 
     const CObjectFile* m_ObjectFile;
-    const CSection* m_Section = nullptr; // set by PopulateFromMarluneLineSection
+    const CSection* m_Section = nullptr; // with contents; while the table is decoded
     std::vector<CLineInfo> m_Rows;
     std::vector<std::string> m_FileNames;
 };

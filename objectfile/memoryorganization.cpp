@@ -1,17 +1,26 @@
+// How the memory is organised that a piece of a program image belongs to.
 #include "objectfile/memoryorganization.h"
-
-#include <utility>
 
 namespace ObjectFile {
 
 CMemoryOrganization::CMemoryOrganization(int wordBitSize, int bytesPerWord, eByteOrder order,
-                                         std::string addressSpaceName)
-    : m_AddressSpaceName(std::move(addressSpaceName)), m_WordBitSize(wordBitSize), m_BytesPerWord(bytesPerWord),
-      m_ByteOrder(order), m_Valid(true) {}
+                                         const std::string& addressSpaceName)
+    : m_WordBitSize(wordBitSize), m_BytesPerWord(bytesPerWord), m_ByteOrder(order), m_Valid(true) {
+    SetAddressSpaceName(addressSpaceName);
+}
+
+const std::string& CMemoryOrganization::GetAddressSpaceName() const {
+    static const std::string NONE;
+    return m_AddressSpaceName ? *m_AddressSpaceName : NONE;
+}
+
+void CMemoryOrganization::SetAddressSpaceName(const std::string& name) {
+    m_AddressSpaceName = name.empty() ? nullptr : std::make_shared<const std::string>(name);
+}
 
 bool CMemoryOrganization::HasTheSameMemoryOrganization(const CMemoryOrganization& other) const {
     return m_ByteOrder == other.m_ByteOrder && m_Valid == other.m_Valid && m_WordBitSize == other.m_WordBitSize &&
-           m_BytesPerWord == other.m_BytesPerWord && m_AddressSpaceName == other.m_AddressSpaceName;
+           m_BytesPerWord == other.m_BytesPerWord && GetAddressSpaceName() == other.GetAddressSpaceName();
 }
 
 void CMemoryOrganization::InheritMemoryOrganizationValues(const CMemoryOrganization& other) {
@@ -22,8 +31,8 @@ void CMemoryOrganization::InheritMemoryOrganizationValues(const CMemoryOrganizat
 
 void CMemoryOrganization::SaveMemoryOrganizationToStream(COutputStream& out) const {
     out.WriteLine(m_Valid ? "1" : "0", "set to 1, if memory organization information specified here is valid ");
-    out.WriteLine(std::to_string(m_AddressSpaceName.size()));
-    out.WriteLine(m_AddressSpaceName, "address space name");
+    out.WriteLine(std::to_string(GetAddressSpaceName().size()));
+    out.WriteLine(GetAddressSpaceName(), "address space name");
     out.WriteLine(Int<int>::ToString(m_WordBitSize, 10), "word bit-size");
     out.WriteLine(Int<int>::ToString(m_BytesPerWord, 10), "bytes per word");
     // BO_UNDEFINED is written as big too and comes back as BO_BIG.
@@ -37,7 +46,7 @@ void CMemoryOrganization::LoadMemoryOrganizationFromStream(CInputStream& in) {
     if (length < 0) {
         throw in.Reject();
     }
-    m_AddressSpaceName = in.GetLine().substr(0, static_cast<std::size_t>(length));
+    SetAddressSpaceName(in.GetLine().substr(0, static_cast<std::size_t>(length)));
     m_WordBitSize = Int<int>::Parse(in.GetLine(), 10);
     m_BytesPerWord = Int<int>::Parse(in.GetLine(), 10);
     if (m_Valid && m_WordBitSize < 1) {

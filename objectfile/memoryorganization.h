@@ -1,9 +1,12 @@
+// How the memory is organised that a piece of a program image belongs to.
 #ifndef MARLUNE_OBJECTFILE_MEMORYORGANIZATION_H
 #define MARLUNE_OBJECTFILE_MEMORYORGANIZATION_H
 
-#include "objectfile/utils.h"
-
+#include <memory>
 #include <string>
+
+#include "objectfile/streams.h"
+#include "objectfile/utils.h"
 
 namespace ObjectFile {
 
@@ -13,11 +16,11 @@ public:
     /// Not valid, nothing known.
     CMemoryOrganization() = default;
     /// Valid. `wordBitSize` in bits; a word has `bytesPerWord` bytes.
-    CMemoryOrganization(int wordBitSize, int bytesPerWord, eByteOrder order, std::string addressSpaceName);
+    CMemoryOrganization(int wordBitSize, int bytesPerWord, eByteOrder order, const std::string& addressSpaceName);
 
     /// The name must not hold blanks: a file would keep the part before the first.
-    const std::string& GetAddressSpaceName() const { return m_AddressSpaceName; }
-    void SetAddressSpaceName(const std::string& name) { m_AddressSpaceName = name; }
+    const std::string& GetAddressSpaceName() const;
+    void SetAddressSpaceName(const std::string& name);
     int GetWordBitSize() const { return m_WordBitSize; }
     void SetWordBitSize(int bits) { m_WordBitSize = bits; }
     int GetBytesPerWord() const { return m_BytesPerWord; }
@@ -38,7 +41,7 @@ public:
     void LoadMemoryOrganizationFromStream(CInputStream& in);
 
 private:
-    std::string m_AddressSpaceName;
+    std::shared_ptr<const std::string> m_AddressSpaceName; // shared by copies; none when empty
     int m_WordBitSize = 0;
     int m_BytesPerWord = 0;
     eByteOrder m_ByteOrder = BO_UNDEFINED;

@@ -1,3 +1,4 @@
+// Program images: what they hold.
 #include "objectfile/objectfile.h"
 
 #include <stdexcept>
@@ -67,17 +68,6 @@ void CObjectFile::AddSection(CSection* section) {
 }
 
 void CObjectFile::DeleteSection(CSection* section) {
-    if (section == nullptr) {
-        return;
-    }
-    for (int i = 0; i < SymbolTablesCount(); ++i) {
-        CSymbolTable* const table = GetSymbolTable(i);
-        for (int k = 0; k < table->Count(); ++k) {
-            if (table->GetSymbol(k)->GetSection() == section) {
-                table->GetSymbol(k)->SetSection(nullptr);
-            }
-        }
-    }
     if (m_Sections) {
         m_Sections->Delete(section);
     }
@@ -215,6 +205,13 @@ void CObjectFile::Free() {
     m_LineTable.reset();
     m_SymbolTables.reset();
     m_Sections.reset();
+}
+
+void CObjectFile::Clear() {
+    Free();
+    static_cast<CMemoryOrganization&>(*this) = CMemoryOrganization();
+    m_TimeStamp = CTimeStamp();
+    ClearEntryPoint();
 }
 
 } // namespace ObjectFile

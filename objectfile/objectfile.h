@@ -1,19 +1,29 @@
+// Program images.
 #ifndef MARLUNE_OBJECTFILE_OBJECTFILE_H
 #define MARLUNE_OBJECTFILE_OBJECTFILE_H
+
+#include <memory>
+#include <optional>
+#include <string>
 
 #include "objectfile/lineinfo.h"
 #include "objectfile/memoryorganization.h"
 #include "objectfile/section.h"
+#include "objectfile/sectioncontainer.h"
 #include "objectfile/symbol.h"
-
-#include <memory>
-#include <string>
+#include "objectfile/symboltable.h"
 
 namespace ObjectFile {
 
 /// First line of a text object file and of an archive.
 extern const char* const VEXON_OBJECT_MAGIC;
 extern const char* const VEXON_ARCHIVE_MAGIC;
+
+/// Why a text object file could not be read.
+struct CReadFailure {
+    std::string m_Reason;      // the message of the exception that LoadFromStream throws, without "Line n: "
+    std::optional<int> m_Line; // zero-based number of the line at fault, where it is one line's
+};
 
 /// One program image. It owns its sections, symbol tables and line table.
 class CObjectFile : public CMemoryOrganization {
@@ -39,11 +49,13 @@ public:
     /// The first section of that name, or none.
     CSection* FindSection(const std::string& name);
     const CSection* FindSection(const std::string& name) const;
-    /// The section's index; throws std::out_of_range when it is not in this object file.
+    /// The section's index; throws std::out_of_range when it is not in this object file. The pointer is not followed
+    /// before that is known.
     int FindSection(const CSection* section) const;
     /// Appends the section and takes ownership of it.
     void AddSection(CSection* section);
-    /// Removes and destroys the section; symbols bound to it become unbound.
+    /// Removes and destroys the section; symbols bound to it become unbound. Does nothing for a section that this
+    /// object file does not hold.
     void DeleteSection(CSection* section);
     /// Appends a new section with the given memory organization; the object file owns it.
     CSection* CreateSection(CSection::eType type, const std::string& name, const CMemoryOrganization& organization);
@@ -87,7 +99,8 @@ public:
     /// Assigns line addresses to all records; returns the number of lines of the file.
     int RemapToFile();
     /// Binds symbols to sections and relocations to symbols by their indices; throws syntax_error (line 0) for an
-    /// index that does not exist.
+    /// index that does not exist. What is bound already keeps its section or symbol, which must be in this object file
+    /// (for a relocation: in its first symbol table).
     void CheckLinks();
 
     /// Writes the text form; takes the current time as time stamp. Throws general_error when records overlap.
@@ -96,11 +109,16 @@ public:
     bool SaveFile(const std::string& path);
     /// Replaces the contents by those of the text form. After an exception the object is partly filled.
     void LoadFromStream(CInputStream& in);
-    /// Loads a text object file or an ELF file. A file_error says that it cannot be opened. Any error in a text file is
-    /// told on standard error and thrown as a plain std::exception; those of an ELF file pass unchanged.
+    /// The same with a result in place of an exception; nothing when all went well.
+    std::optional<CReadFailure> ReadFromStream(CInputStream& in);
+    /// Loads a text object file or an ELF file. Throws file_error when it cannot be opened (OpenRegularFile). Any error
+    /// in a text file is reported on standard error and thrown as a plain std::exception; those of an ELF file pass
+    /// unchanged.
     void LoadFile(const std::string& path);
     /// Destroys sections, symbol tables and line table.
     void Free();
+    /// Makes it like a new object, except for the file name.
+    void Clear();
 
 private:
     /// The section container, created when absent.
@@ -109,6 +127,8 @@ private:
     int RelocationCount() const;
     void SaveHeader(COutputStream& out);
     void LoadHeader(CInputStream& in, CPersistentObject::Queue& queue);
+    void LoadRecords(CInputStream& in);
+    void LinkRecords();
     const CSection* FindSectionOfType(const std::string& name, CSection::eType type) const;
     const CMemoryOrganization* FindDataMemoryOrganization() const;
 

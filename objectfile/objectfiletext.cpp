@@ -1,11 +1,13 @@
 // The text form of a whole object file: header, placement of the records, loading and saving.
-#include "objectfile/elfimport.h"
-#include "objectfile/objectfile.h"
-
 #include <cstdint>
 #include <iostream>
 #include <limits>
+#include <new>
 #include <stdexcept>
+#include <utility>
+
+#include "objectfile/elfimport.h"
+#include "objectfile/objectfile.h"
 
 namespace ObjectFile {
 
@@ -145,12 +147,39 @@ void CObjectFile::SaveHeader(COutputStream& out) {
 }
 
 void CObjectFile::LoadFromStream(CInputStream& in) {
-    Free();
+    LoadRecords(in);
+    LinkRecords();
+}
+
+std::optional<CReadFailure> CObjectFile::ReadFromStream(CInputStream& in) {
+    bool isReading = true; // afterwards no one line is at fault
+    const auto failure = [&](std::string reason) {
+        return CReadFailure{std::move(reason), isReading ? std::optional<int>(in.GetLastLine()) : std::nullopt};
+    };
+    try {
+        LoadRecords(in);
+        isReading = false;
+        LinkRecords();
+    } catch (const std::bad_alloc&) {
+        return CReadFailure{"there is not enough memory", std::nullopt};
+    } catch (const syntax_error& error) {
+        return failure(error.GetText());
+    } catch (const std::exception& error) {
+        return failure(error.what());
+    }
+    return std::nullopt;
+}
+
+void CObjectFile::LinkRecords() {
+    CheckLinks();
+    PopulateLineInfo();
+}
+
+void CObjectFile::LoadRecords(CInputStream& in) {
+    Clear();
     CPersistentObject::Queue queue;
     LoadHeader(in, queue);
     ReadRecords(in, queue);
-    CheckLinks();
-    PopulateLineInfo();
 }
 
 void CObjectFile::LoadHeader(CInputStream& in, CPersistentObject::Queue& queue) {
@@ -197,9 +226,12 @@ void CObjectFile::CheckLinks() {
             if (SymbolTablesCount() == 0) {
                 throw syntax_error(0, "Symbol Table does not exist");
             }
+            const CSymbolTable& symbols = *GetSymbolTable(0);
             CRelocation& relocation = *section.GetRelocation(k);
             try {
-                relocation.m_Symbol = GetSymbolTable(0)->GetSymbol(relocation.m_SymbolIndex);
+                relocation.m_Symbol =
+                    symbols.GetSymbol(relocation.m_Symbol != nullptr ? symbols.FindSymbol(relocation.m_Symbol)
+                                                                     : relocation.m_SymbolIndex);
             } catch (const std::out_of_range&) {
                 throw syntax_error(0, "Symbol index does not exist");
             }
@@ -216,16 +248,18 @@ bool CObjectFile::SaveFile(const std::string& path) {
 
 void CObjectFile::LoadFile(const std::string& path) {
     m_FileName = path;
-    if (IsElfFile(path)) {
-        LoadElfFile(path, *this);
+    CFileHandle file = OpenRegularFile(path);
+    if (!file) {
+        throw file_error("File '" + path + "' could not be opened.");
+    }
+    if (IsElfFile(*file)) {
+        LoadElfFile(std::move(file), path, *this);
         return;
     }
-    CInputStream in(path, DELIMITER);
-    try {
-        LoadFromStream(in);
-    } catch (const std::exception&) {
+    CInputStream in(std::move(file), DELIMITER);
+    if (ReadFromStream(in)) {
         std::cerr << "Error: Object file " << path << " contains errors and could not be loaded.\n";
-        throw std::exception(); // without a message: the line above is all that is told
+        throw std::exception(); // without the reason: the line above is all that is reported
     }
 }
 

@@ -1,9 +1,10 @@
+// What kind of file is it?
 #include "objectfile/objectfileutils.h"
+
+#include <iostream>
 
 #include "objectfile/elfimport.h"
 #include "objectfile/objectfile.h"
-
-#include <iostream>
 
 namespace ObjectFile {
 
@@ -13,7 +14,7 @@ bool BeginsWithLine(const std::string& path, const char* magic) {
     return CInputStream(path, '\n').GetLine() == magic;
 }
 
-/// The answer of a probe; any exception counts as no and is told on standard output.
+/// The answer of a probe; any exception counts as no and is reported on standard output.
 template <typename TProbe>
 bool Ask(TProbe probe) {
     try {

@@ -1,10 +1,11 @@
+// The base of every record that has a place of its own in a file.
 #ifndef MARLUNE_OBJECTFILE_PERSISTENTOBJECT_H
 #define MARLUNE_OBJECTFILE_PERSISTENTOBJECT_H
 
-#include "objectfile/utils.h"
-
 #include <queue>
 #include <vector>
+
+#include "objectfile/streams.h"
 
 namespace ObjectFile {
 

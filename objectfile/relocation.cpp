@@ -1,8 +1,9 @@
+// Relocations: which bit fields of a section wait for the address of a symbol.
 #include "objectfile/relocation.h"
 
-#include "objectfile/symbol.h"
-
 #include <algorithm>
+
+#include "objectfile/symboltable.h"
 
 namespace ObjectFile {
 
@@ -10,7 +11,7 @@ CRelocation::CRelocation(const CRelocation& other, const CSymbolTable* table) : 
     if (table == nullptr || m_Symbol == nullptr) {
         return;
     }
-    const std::string& name = m_Symbol->GetName();
+    const std::string name = m_Symbol->GetName();
     CSymbol* const found = table->LookUpSymbol(name);
     if (found == nullptr) {
         throw general_error("Symbol " + name + " does not exist");

@@ -1,10 +1,11 @@
+// Relocations: which bit fields of a section wait for the address of a symbol.
 #ifndef MARLUNE_OBJECTFILE_RELOCATION_H
 #define MARLUNE_OBJECTFILE_RELOCATION_H
 
-#include "objectfile/persistentobject.h"
-
 #include <memory>
 #include <vector>
+
+#include "objectfile/persistentobject.h"
 
 namespace ObjectFile {
 
@@ -69,8 +70,6 @@ public:
     int GetLineSize() const override { return LINES_PER_RELOCATION * Count(); }
     void LoadFromStream(CInputStream& in, Queue& queue) override;
     void SaveToStream(COutputStream& out, Queue& queue) override;
-
-    void SetPendingCount(int count) { m_PendingCount = count; }
 
     /// Appends a relocation with default values; the table owns it.
     CRelocation* Create();

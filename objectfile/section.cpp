@@ -1,11 +1,14 @@
+// Sections: the pieces of a program image.
 #include "objectfile/section.h"
-
-#include "objectfile/objectfile.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <stdexcept>
+#include <string_view>
 #include <utility>
+
+#include "objectfile/objectfile.h"
 
 namespace ObjectFile {
 
@@ -34,9 +37,24 @@ CSection::~CSection() = default;
 
 void CSection::SetName(const std::string& name) {
     if (m_Container != nullptr) {
-        m_Container->ForgetNames();
+        m_Container->Rename(*this, name);
+    } else {
+        m_Name = name;
     }
-    m_Name = name;
+}
+
+int CSection::GetIndex() const {
+    if (m_Owner != nullptr && m_Container == nullptr) {
+        throw std::out_of_range("Section does not exist");
+    }
+    return m_Container != nullptr ? m_Container->IndexOf(*this) : 0;
+}
+
+std::weak_ptr<CSection> CSection::Watch() {
+    if (!m_Self) {
+        m_Self = std::shared_ptr<CSection>(this, [](CSection*) {});
+    }
+    return m_Self;
 }
 
 CSectionData* CSection::CreateSectionData() {
@@ -218,9 +236,7 @@ void CSection::LoadDataHeader(CInputStream& in, CPersistentObject::Queue& queue)
     const int byteCount = Int<int>(in.GetLine());
     const int relocationCount = Int<int>(in.GetLine());
     const int dataLine = Int<int>(in.GetLine());
-    const bool holdsWholeBytes =
-        GetWordBitSize() > 0 && GetBytesPerWord() > 0 && GetWordBitSize() % GetBytesPerWord() == 0;
-    if (byteCount > 0 && !holdsWholeBytes) {
+    if (byteCount > 0 && CSectionData::ByteBitSizeOf(GetWordBitSize(), GetBytesPerWord()) < 1) {
         throw in.Reject();
     }
     if (m_Type == TYPE_BSS) {

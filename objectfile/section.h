@@ -1,15 +1,15 @@
+// Sections: the pieces of a program image.
 #ifndef MARLUNE_OBJECTFILE_SECTION_H
 #define MARLUNE_OBJECTFILE_SECTION_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "objectfile/memoryorganization.h"
 #include "objectfile/relocation.h"
 #include "objectfile/sectiondata.h"
-
-#include <memory>
-#include <string>
-#include <string_view>
-#include <unordered_map>
-#include <vector>
 
 namespace ObjectFile {
 
@@ -57,6 +57,10 @@ public:
     void SetMemoryByteAddress(unsigned long long address) { m_MemoryByteAddress = address; }
     /// The object file that holds the section, or none.
     CObjectFile* GetOwner() const { return m_Owner; }
+    /// The section's index in its object file, 0 without one. Throws std::out_of_range when that does not hold it.
+    int GetIndex() const;
+    /// Expires with the section, which it does not keep alive.
+    std::weak_ptr<CSection> Watch();
 
     /// The contents, or none.
     CSectionData* GetSectionData() { return m_Data.get(); }
@@ -125,56 +129,12 @@ private:
     std::unique_ptr<CRelocationTable> m_Relocations;
     CObjectFile* m_Owner;
     CSectionContainer* m_Container = nullptr;
-    int m_Index = -1; // position in m_Container
+    std::uint64_t m_Number = 0;       // ascends in m_Container
+    std::shared_ptr<CSection> m_Self; // owns nothing; made when the section is first watched
     unsigned long long m_MemoryByteAddress = 0;
     unsigned int m_ByteAddressAlignment = 0;
     eType m_Type = TYPE_NONE;
     bool m_MemoryByteAddressIsAbsolute = false;
-};
-
-/// The sections of one object file in order: the record that holds all section headers.
-class CSectionContainer : public CPersistentObject {
-public:
-    /// `count` sections are read by LoadFromStream; the owner is borrowed.
-    CSectionContainer(CObjectFile* owner, int lineAddress, int count);
-
-    int Count() const override { return static_cast<int>(m_Sections.size()); }
-    int GetLineAddress() const override { return m_LineAddress; }
-    void SetLineAddress(int lineAddress) override { m_LineAddress = lineAddress; }
-    int GetLineSize() const override { return LINES_PER_SECTION * Count(); }
-    void LoadFromStream(CInputStream& in, Queue& queue) override;
-    void SaveToStream(COutputStream& out, Queue& queue) override;
-
-    /// None when there is no such section.
-    CSection* Get(int index) const;
-    /// Takes ownership of the section.
-    void Add(CSection* section);
-    CSection* Add(std::unique_ptr<CSection> section);
-    /// Removes and destroys the section; does nothing when it is not in the container.
-    void Delete(CSection* section);
-    /// The first section of that name, or none.
-    CSection* Find(const std::string& name) const;
-    /// The section's index, -1 when it is not in the container.
-    int Find(const CSection* section) const;
-    CSection* CreateSection(CSection::eType type, const std::string& name, const CMemoryOrganization& organization);
-
-    int RelocationCount() const;
-    int SectionDataWordCount() const;
-    /// Destroys all sections.
-    void Free();
-
-private:
-    friend class CSection;
-    static constexpr int LINES_PER_SECTION = 17;
-
-    void ForgetNames();
-
-    std::vector<std::unique_ptr<CSection>> m_Sections;
-    mutable std::unordered_map<std::string_view, CSection*> m_ByName; // views into the sections' names
-    mutable std::size_t m_Indexed = 0;                                // sections that m_ByName covers
-    CObjectFile* m_Owner;
-    int m_LineAddress;
-    int m_PendingCount;
 };
 
 } // namespace ObjectFile

@@ -1,7 +1,7 @@
-#include "objectfile/section.h"
+// The record of a file that holds all section headers.
+#include "objectfile/sectioncontainer.h"
 
-#include "objectfile/objectfile.h"
-
+#include <algorithm>
 #include <numeric>
 
 namespace ObjectFile {
@@ -33,7 +33,7 @@ void CSectionContainer::Add(CSection* section) {
 CSection* CSectionContainer::Add(std::unique_ptr<CSection> section) {
     section->m_Owner = m_Owner;
     section->m_Container = this;
-    section->m_Index = Count();
+    section->m_Number = m_NextNumber++;
     return m_Sections.emplace_back(std::move(section)).get();
 }
 
@@ -42,29 +42,64 @@ void CSectionContainer::Delete(CSection* section) {
     if (index < 0) {
         return;
     }
-    ForgetNames();
+    m_ByName.erase(KeyOf(*section));
+    m_Members.erase(section);
     m_Sections.erase(m_Sections.begin() + index);
-    for (int i = index; i < Count(); ++i) {
-        m_Sections[static_cast<std::size_t>(i)]->m_Index = i;
-    }
 }
 
 CSection* CSectionContainer::Find(const std::string& name) const {
-    for (; m_Indexed < m_Sections.size(); ++m_Indexed) {
-        CSection* const section = m_Sections[m_Indexed].get();
-        m_ByName.try_emplace(section->GetName(), section); // the first of a name stays
+    if (!m_WasAsked) { // most files are only asked once, which costs less by looking than by indexing
+        m_WasAsked = true;
+        const auto found = std::find_if(m_Sections.begin(), m_Sections.end(),
+                                        [&](const auto& section) { return section->m_Name == name; });
+        return found == m_Sections.end() ? nullptr : found->get();
     }
-    const auto found = m_ByName.find(name);
-    return found == m_ByName.end() ? nullptr : found->second;
+    Index();
+    const auto first = m_ByName.lower_bound({name, 0});
+    return first != m_ByName.end() && first->first.first == name ? first->second : nullptr;
 }
 
 int CSectionContainer::Find(const CSection* section) const {
-    return section != nullptr && section->m_Container == this ? section->m_Index : -1;
+    Index();
+    return m_Members.count(section) != 0 ? IndexOf(*section) : -1;
+}
+
+void CSectionContainer::Index() const {
+    while (m_Members.size() < m_Sections.size()) {
+        CSection* const section = m_Sections[m_Members.size()].get();
+        m_ByName.emplace(KeyOf(*section), section);
+        m_Members.insert(section);
+    }
+}
+
+int CSectionContainer::IndexOf(const CSection& section) const {
+    // A section's index is its number until a section before it goes.
+    const auto number = static_cast<std::size_t>(section.m_Number);
+    if (number < m_Sections.size() && m_Sections[number].get() == &section) {
+        return static_cast<int>(number);
+    }
+    const auto found =
+        std::lower_bound(m_Sections.begin(), m_Sections.end(), section.m_Number,
+                         [](const auto& candidate, std::uint64_t wanted) { return candidate->m_Number < wanted; });
+    return static_cast<int>(found - m_Sections.begin());
 }
 
 CSection* CSectionContainer::CreateSection(CSection::eType type, const std::string& name,
                                            const CMemoryOrganization& organization) {
     return Add(std::make_unique<CSection>(type, name, organization, m_Owner));
+}
+
+void CSectionContainer::Rename(CSection& section, const std::string& name) {
+    auto entry = m_ByName.extract(KeyOf(section)); // before the characters go that it views
+    section.m_Name = name;
+    if (!entry.empty()) { // already indexed
+        entry.key() = KeyOf(section);
+        m_ByName.insert(std::move(entry));
+    }
+}
+
+CSectionContainer::CNameKey CSectionContainer::KeyOf(const CSection& section) {
+    return {section.m_Name, section.m_Number};
 }
 
 int CSectionContainer::RelocationCount() const {
@@ -78,13 +113,9 @@ int CSectionContainer::SectionDataWordCount() const {
 }
 
 void CSectionContainer::Free() {
-    ForgetNames();
-    m_Sections.clear();
-}
-
-void CSectionContainer::ForgetNames() {
     m_ByName.clear();
-    m_Indexed = 0;
+    m_Members.clear();
+    m_Sections.clear();
 }
 
 } // namespace ObjectFile

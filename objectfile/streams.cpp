@@ -1,10 +1,11 @@
+// The two line streams through which every record of an object file is read and written.
 #include "objectfile/streams.h"
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 namespace ObjectFile {
 
@@ -12,15 +13,6 @@ namespace {
 
 constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 18;
 constexpr std::string_view COMMENT_SEPARATOR = "\t// ";
-
-/// Opens a file that does its reading and writing in the blocks it is handed.
-CFileHandle OpenUnbuffered(const std::string& path, const char* mode) {
-    CFileHandle file(std::fopen(path.c_str(), mode));
-    if (file) {
-        std::setvbuf(file.get(), nullptr, _IONBF, 0);
-    }
-    return file;
-}
 
 /// The part of a line before the first blank or the first "//".
 std::string_view CutComment(std::string_view line) {
@@ -36,12 +28,12 @@ CInputStream::CInputStream(const std::string& path, char delimiter) : m_Delimite
     OpenFile(path);
 }
 
+CInputStream::CInputStream(CFileHandle file, char delimiter)
+    : m_File(std::move(file)), m_Buffer(BUFFER_SIZE), m_Delimiter(delimiter) {}
+
 bool CInputStream::OpenFile(const std::string& path) {
     CloseFile();
-    std::error_code ignored; // a path that cannot be examined cannot be opened either
-    if (!std::filesystem::is_directory(path, ignored)) {
-        m_File = OpenUnbuffered(path, "rb");
-    }
+    m_File = OpenRegularFile(path);
     if (!m_File) {
         throw file_error("File '" + path + "' could not be opened.");
     }
@@ -54,6 +46,7 @@ void CInputStream::CloseFile() {
     m_Begin = 0;
     m_End = 0;
     m_LineCounter = 0;
+    m_LastLine = -1;
     m_Eof = false;
 }
 
@@ -107,6 +100,7 @@ void CInputStream::Consume(std::size_t bytes, int lines) {
 }
 
 std::string_view CInputStream::NextLine() {
+    m_LastLine = m_LineCounter;
     if (Eof()) {
         return {};
     }
@@ -150,6 +144,7 @@ void CInputStream::CountLines(int lines) {
         throw file_error("Too many lines in file");
     }
     m_LineCounter += lines;
+    m_LastLine = m_LineCounter - 1;
 }
 
 COutputStream::COutputStream(char delimiter) : m_Delimiter(delimiter) {}
@@ -163,10 +158,11 @@ void COutputStream::OpenFile(const std::string& path) {
     if (path.empty()) {
         throw file_error("Output file was not set.");
     }
-    m_File = OpenUnbuffered(path, "wb");
+    m_File.reset(std::fopen(path.c_str(), "wb"));
     if (!m_File) {
         throw file_error("Output file could not be opened.");
     }
+    std::setvbuf(m_File.get(), nullptr, _IONBF, 0); // the blocks are made here
     m_Buffer.resize(BUFFER_SIZE);
     m_Failed = false;
 }
@@ -179,12 +175,12 @@ void COutputStream::CloseFile() {
     m_LineCounter = 0;
 }
 
-void COutputStream::WriteLine(const std::string& text) {
+void COutputStream::WriteLine(std::string_view text) {
     Write(text.data(), text.size());
     EndLine();
 }
 
-void COutputStream::WriteLine(const std::string& value, std::string_view description) {
+void COutputStream::WriteLine(std::string_view value, std::string_view description) {
     Write(value.data(), value.size());
     Write(COMMENT_SEPARATOR.data(), COMMENT_SEPARATOR.size());
     Write(description.data(), description.size());

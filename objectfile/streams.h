@@ -2,21 +2,15 @@
 #ifndef MARLUNE_OBJECTFILE_STREAMS_H
 #define MARLUNE_OBJECTFILE_STREAMS_H
 
-#include "objectfile/errors.h"
-
 #include <cstddef>
-#include <cstdio>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace ObjectFile {
+#include "objectfile/errors.h"
+#include "objectfile/regularfile.h"
 
-struct CFileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using CFileHandle = std::unique_ptr<std::FILE, CFileCloser>;
+namespace ObjectFile {
 
 /// Reads a file line by line and counts the lines consumed since it was opened.
 class CInputStream {
@@ -25,9 +19,11 @@ public:
     explicit CInputStream(char delimiter);
     /// Opens `path`; throws as OpenFile does.
     CInputStream(const std::string& path, char delimiter);
+    /// Reads a file that is open already, from its beginning.
+    CInputStream(CFileHandle file, char delimiter);
 
-    /// Closes the file that is open and opens `path`; returns true. Throws file_error when the file cannot be opened;
-    /// a directory counts as such a file.
+    /// Closes the file that is open and opens `path`; returns true. Throws file_error when the file cannot be opened
+    /// (OpenRegularFile).
     bool OpenFile(const std::string& path);
     void CloseFile();
 
@@ -44,6 +40,8 @@ public:
     bool Eof() const { return !m_File || m_Eof; }
     /// Lines consumed since the file was opened.
     int GetLineCounter() const { return m_LineCounter; }
+    /// Zero-based number of the line that the last read took or, where it failed, met; -1 before the first read.
+    int GetLastLine() const { return m_LastLine; }
     char GetDelimiter() const { return m_Delimiter; }
     /// The error that rejects the value of the line just read: its zero-based number and `text`.
     syntax_error Reject(const char* text = "Syntax error") const { return {m_LineCounter - 1, text}; }
@@ -62,7 +60,7 @@ public:
 private:
     /// The next line without its delimiter, consumed but not counted; sets m_Eof when no delimiter ends it.
     std::string_view NextLine();
-    /// Moves the unread bytes to the buffer's start and reads more behind them; false at the end of the file.
+    /// Moves the unread bytes to the buffer's start and reads more after them; false at the end of the file.
     bool Refill();
     void CountLines(int lines);
 
@@ -71,12 +69,13 @@ private:
     std::size_t m_Begin = 0; // unread bytes of the buffer: [m_Begin, m_End)
     std::size_t m_End = 0;
     int m_LineCounter = 0;
+    int m_LastLine = -1;
     char m_Delimiter;
     bool m_Eof = false;
 };
 
-/// Writes a file line by line and counts the lines written since it was opened. Writing reports no errors; Failed()
-/// tells of them.
+/// Writes a file line by line and counts the lines written since it was opened. Writing reports no errors; ask
+/// Failed().
 class COutputStream {
 public:
     explicit COutputStream(char delimiter);
@@ -95,9 +94,9 @@ public:
     void CloseFile();
 
     /// Writes `text` and the delimiter as one line.
-    void WriteLine(const std::string& text);
+    void WriteLine(std::string_view text);
     /// Writes `value`, the comment separator, `description` and the delimiter as one line.
-    void WriteLine(const std::string& value, std::string_view description);
+    void WriteLine(std::string_view value, std::string_view description);
     /// Writes bytes as they are, without a delimiter and without counting.
     void Write(const char* bytes, std::size_t count);
     /// Ends a line whose bytes came by Write.

@@ -1,9 +1,9 @@
+// Symbols: the names of a program image.
 #include "objectfile/symbol.h"
 
-#include "objectfile/objectfile.h"
-
 #include <iostream>
-#include <utility>
+
+#include "objectfile/objectfile.h"
 
 namespace ObjectFile {
 
@@ -18,67 +18,77 @@ std::string SectionName(const CSymbol& symbol) {
 
 } // namespace
 
-void CExpansionTable::LoadFromStream(CInputStream& in) {
-    int count = Int<int>(in.GetLine());
-    if (count > 1) {
-        const int length = Int<int>(in.GetLine());
-        m_HeaderText = in.GetLine(length);
-        count -= 2;
+CSymbol::CSymbol(const std::string& name, eType type, CSection* section, unsigned long long memoryAddress)
+    : m_Name(name), m_Section(section != nullptr ? section->Watch() : std::weak_ptr<CSection>()),
+      m_MemoryAddress(memoryAddress), m_Type(type), m_IsBound(section != nullptr) {}
+
+CSymbol& CSymbol::operator=(const CSymbol& other) {
+    if (this != &other) {
+        Rename(other.m_Name);
+        CopyFields(other);
     }
-    for (; count > 0; --count) {
-        m_Lines.push_back(in.GetLine());
-    }
+    return *this;
 }
 
-void CExpansionTable::SaveToStream(COutputStream& out) const {
-    out.WriteLine(Int<int>::ToString(Count(), 10), "symbol expansion data - count of lines");
-    if (!m_HeaderText.empty()) {
-        out.WriteLine(std::to_string(m_HeaderText.size()));
-        out.WriteLine(m_HeaderText);
-    }
-    for (const std::string& line : m_Lines) {
-        out.WriteLine(line);
-    }
+void CSymbol::CopyFields(const CSymbol& other) {
+    m_Expansion = other.m_Expansion;
+    m_Section = other.m_Section;
+    m_MemoryAddress = other.m_MemoryAddress;
+    m_SectionIndex = other.m_SectionIndex;
+    m_BlockSize = other.m_BlockSize;
+    m_Type = other.m_Type;
+    m_Usage = other.m_Usage;
+    m_IsBound = other.m_IsBound;
 }
-
-CSymbol::CSymbol(std::string name, eType type, CSection* section, unsigned long long memoryAddress)
-    : m_Name(std::move(name)), m_Section(section), m_MemoryAddress(memoryAddress), m_Type(type) {}
 
 void CSymbol::UpdateName(const std::string& name) {
+    Rename(CSharedText(name));
+}
+
+void CSymbol::Rename(CSharedText name) {
     if (m_Owner != nullptr) {
-        m_Owner->UpdateSymbolName(m_Name, name);
+        m_Owner->Rename(*this, std::move(name));
     } else {
-        m_Name = name;
+        m_Name = std::move(name);
     }
 }
 
 void CSymbol::SetSection(CSection* section) {
-    m_Section = section;
-    const CObjectFile* const owner = section != nullptr ? section->GetOwner() : nullptr;
-    m_SectionIndex = owner != nullptr ? owner->FindSection(section) : 0;
+    if (section != nullptr) {
+        section->GetIndex(); // throws before anything changes
+        m_Section = section->Watch();
+    } else {
+        m_Section.reset();
+    }
+    m_IsBound = section != nullptr;
+    m_SectionIndex = 0;
 }
 
 int CSymbol::GetSectionID() const {
-    if (m_Section == nullptr) {
+    if (!m_IsBound) {
         return m_SectionIndex;
     }
-    const CObjectFile* const owner = m_Section->GetOwner();
-    return owner != nullptr ? owner->FindSection(m_Section) : m_SectionIndex;
-}
-
-int CSymbol::ID() const {
-    return m_Owner != nullptr ? m_Owner->FindSymbol(this) : -1;
+    if (const CSection* const section = GetSection()) {
+        return section->GetIndex();
+    }
+    return HasSection() ? -1 : 0;
 }
 
 bool CSymbol::IsSameSymbolAs(const CSymbol* other, bool compareAddress) const {
-    const bool alike = m_Name == other->m_Name && m_Type == other->m_Type;
+    const bool alike = GetNameView() == other->GetNameView() && m_Type == other->m_Type;
     return alike && (!compareAddress ||
                      (m_MemoryAddress == other->m_MemoryAddress && SectionName(*this) == SectionName(*other)));
 }
 
 void CSymbol::LoadFromStream(CInputStream& in) {
+    CTextPool names;
+    LoadFromStream(in, names);
+}
+
+void CSymbol::LoadFromStream(CInputStream& in, CTextPool& names) {
+    SetSection(nullptr);
     const int nameLength = Int<int>(in.GetLine());
-    m_Name = in.GetLine(nameLength);
+    Rename(names.Add(in.GetLine(nameLength)));
     Int<int>::Parse(in.GetLine(), 10); // number of type letters: one follows whatever it says
     const std::size_t type = TYPE_LETTERS.find(in.GetLine(1), TYPE_PRIVATE);
     if (type == std::string_view::npos) {
@@ -93,6 +103,7 @@ void CSymbol::LoadFromStream(CInputStream& in) {
 }
 
 void CSymbol::LoadUsage(CInputStream& in) {
+    m_Usage = USAGE_UNDEFINED;
     if (Int<int>(in.GetLine()) != 1) {
         return; // no letter follows
     }
@@ -102,21 +113,21 @@ void CSymbol::LoadUsage(CInputStream& in) {
     }
     m_Usage = static_cast<eUsage>(usage);
     if (m_Usage == USAGE_FILE && m_Type != TYPE_ABSOLUTE) {
-        std::cerr << "Warning: Symbol " << m_Name << " has usage type FILE, but is not defined as ABSOLUTE.\n";
+        std::cerr << "Warning: Symbol " << GetNameView() << " has usage type FILE, but is not defined as ABSOLUTE.\n";
     }
 }
 
 void CSymbol::SaveToStream(COutputStream& out) const {
-    out.WriteLine(std::to_string(m_Name.size()));
-    out.WriteLine(m_Name, "symbol information - name");
+    out.WriteLine(std::to_string(GetNameView().size()));
+    out.WriteLine(GetNameView(), "symbol information - name");
     out.WriteLine("1");
-    out.WriteLine(m_Type == TYPE_NONE ? std::string() : std::string(1, TYPE_LETTERS[m_Type]),
+    out.WriteLine(m_Type == TYPE_NONE ? std::string_view() : TYPE_LETTERS.substr(m_Type, 1),
                   "type: pUblic, pRivate, eXtern, Absolute, Common");
     out.WriteLine(Int<int>::ToString(GetSectionID(), 10), "section index");
     out.WriteLine(std::to_string(m_MemoryAddress), "memory address");
     out.WriteLine(Int<int>::ToString(m_BlockSize, 10), "symbol block size");
     out.WriteLine("1");
-    out.WriteLine(std::string(1, USAGE_LETTERS[m_Usage]), "usage type: uNdefined, Function, Object, fIle");
+    out.WriteLine(USAGE_LETTERS.substr(m_Usage, 1), "usage type: uNdefined, Function, Object, fIle");
     m_Expansion.SaveToStream(out);
 }
 

@@ -1,3 +1,4 @@
+// Some lines of a text, by index.
 #include "objectfile/textlines.h"
 
 #include <iterator>
@@ -35,11 +36,11 @@ std::string_view TakeLine(std::string_view& lines) {
 } // namespace
 
 CTextLines::CRuns::const_iterator CTextLines::Find(int line) const {
-    const auto behind = m_Runs.upper_bound(line);
-    if (behind == m_Runs.begin()) {
+    const auto after = m_Runs.upper_bound(line);
+    if (after == m_Runs.begin()) {
         return m_Runs.end();
     }
-    const auto run = std::prev(behind);
+    const auto run = std::prev(after);
     return line - run->first < run->second.m_Count ? run : m_Runs.end();
 }
 
@@ -84,7 +85,7 @@ void CTextLines::Erase(int line) {
     if (found == m_Runs.end()) {
         return;
     }
-    // The lines before it stay in their run, those behind it become one of their own.
+    // The lines before it stay in their run, those after it become one of their own.
     const auto run = m_Runs.find(found->first);
     std::string_view rest = run->second.m_Lines;
     for (int i = run->first; i < line; ++i) {
@@ -92,9 +93,9 @@ void CTextLines::Erase(int line) {
     }
     const std::size_t before = run->second.m_Lines.size() - rest.size();
     TakeLine(rest);
-    const int countBehind = run->first + run->second.m_Count - line - 1;
-    if (countBehind > 0) {
-        m_Runs[line + 1] = {countBehind, std::string(rest)};
+    const int countAfter = run->first + run->second.m_Count - line - 1;
+    if (countAfter > 0) {
+        m_Runs[line + 1] = {countAfter, std::string(rest)};
     }
     run->second.m_Count = line - run->first;
     run->second.m_Lines.resize(before);
@@ -107,8 +108,8 @@ int CTextLines::Next(int line) const {
     if (Has(line)) {
         return line;
     }
-    const auto behind = m_Runs.lower_bound(line);
-    return behind == m_Runs.end() ? -1 : behind->first;
+    const auto after = m_Runs.lower_bound(line);
+    return after == m_Runs.end() ? -1 : after->first;
 }
 
 } // namespace ObjectFile

@@ -1,3 +1,4 @@
+// Some lines of a text, by index.
 #ifndef MARLUNE_OBJECTFILE_TEXTLINES_H
 #define MARLUNE_OBJECTFILE_TEXTLINES_H
 
@@ -20,9 +21,8 @@ public:
     /// Does nothing when the line is not there.
     void Erase(int line);
     void Clear() { m_Runs.clear(); }
-    bool Empty() const { return m_Runs.empty(); }
 
-    /// The first line at or behind `line`, or -1.
+    /// The first line from `line` on, or -1.
     int Next(int line) const;
 
 private:

@@ -1,3 +1,4 @@
+// Encodings of numbers, binary digits and time stamps in the text object format.
 #include "objectfile/utils.h"
 
 #include <algorithm>

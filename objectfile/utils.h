@@ -2,17 +2,16 @@
 #ifndef MARLUNE_OBJECTFILE_UTILS_H
 #define MARLUNE_OBJECTFILE_UTILS_H
 
-#include "objectfile/errors.h"
-#include "objectfile/streams.h"
-
 #include <ctime>
 #include <string>
+
+#include "objectfile/errors.h"
 
 namespace ObjectFile {
 
 enum eByteOrder { BO_UNDEFINED = 0, BO_LITTLE = 1, BO_BIG = 2 };
 
-/// A number read from a line: leading white space and a sign are accepted, text behind the digits is ignored.
+/// A number read from a line: leading white space and a sign are accepted, text after the digits is ignored.
 /// T is int or unsigned long long. Throws invalid_format without a digit and std::overflow_error beyond 64 bits.
 template <typename T>
 class Int {

@@ -2,6 +2,7 @@
 #include <iostream>
 #include <limits>
 #include <map>
+#include <set>
 #include <stdexcept>
 
 #include "tools/commands.h"
@@ -35,6 +36,7 @@ public:
             CheckSection(*m_Image.GetSection(i));
         }
         CheckOverlaps();
+        CheckNames();
         if (m_Loaded == 0) {
             Warn("", "nothing would be loaded" +
                          (m_Options.m_Space ? " from address space '" + Printable(*m_Options.m_Space) + "'" : ""));
@@ -150,9 +152,42 @@ private:
         }
     }
 
+    /// What in names matters outside of a load: a simulator quotes them in messages, and a text file stores them.
+    void CheckNames() {
+        WarnOfTcl("", "the file's name", m_Options.m_File);
+        for (int i = 0; i < m_Image.SectionsCount(); ++i) {
+            const CSection& section = *m_Image.GetSection(i);
+            WarnOfTcl(section.GetName(), "its name", section.GetName());
+            WarnOfTcl(section.GetName(), "its address space", section.GetAddressSpaceName());
+        }
+        std::size_t withoutType = 0;
+        for (int i = 0; i < m_Image.SymbolTablesCount(); ++i) {
+            const ObjectFile::CSymbolTable& symbols = *m_Image.GetSymbolTable(i);
+            for (int k = 0; k < symbols.Count(); ++k) {
+                const ObjectFile::CSymbol& symbol = *symbols.GetSymbol(k);
+                WarnOfTcl("", "a symbol's name", symbol.GetName());
+                withoutType += symbol.GetType() == ObjectFile::CSymbol::TYPE_NONE ? 1 : 0;
+            }
+        }
+        if (withoutType > 0) {
+            Warn("", Counted(withoutType, "symbol") + " of a binding that the text format does not have: converted to "
+                                                      "text, the image does not load again");
+        }
+    }
+
+    /// Once for each kind of name.
+    void WarnOfTcl(const std::string& section, const char* what, const std::string& name) {
+        if (name.find_first_of("[]$\"\\") != std::string::npos && m_WarnedOfTcl.insert(what).second) {
+            Warn(section,
+                 std::string(what) + " '" + Printable(name) +
+                     "' holds one of [ ] $ \" \\: where an error message quotes it, the simulator's Tcl evaluates it");
+        }
+    }
+
     const ObjectFile::CObjectFile& m_Image;
     const SOptions& m_Options;
     CTable m_Table;
+    std::set<std::string> m_WarnedOfTcl;
     std::map<std::string, std::uint32_t> m_Widths; // of a LAU, by address space
     std::uint64_t m_Loaded = 0;
     std::uint64_t m_Errors = 0;

@@ -53,7 +53,7 @@ void RequireReadableFile(const std::string& path) {
     }
 }
 
-/// What line `number` (counted from 1) reads, for a message.
+/// What line `number` (counted from 1) reads, for a message; nothing where the file has ended.
 std::string Quoted(const std::string& path, long number) {
     constexpr std::size_t MOST = 60;
     std::ifstream file(path);
@@ -62,31 +62,18 @@ std::string Quoted(const std::string& path, long number) {
     }
     std::array<char, MOST + 1> text{};
     file.getline(text.data(), text.size());
-    return ", it reads: " + Printable(text.data());
+    return file.eof() && text[0] == '\0' ? "" : ", it reads: " + Printable(text.data());
 }
 
 void LoadText(const std::string& path, ObjectFile::CObjectFile& image) {
     ObjectFile::CInputStream in(path, '\n');
-    const auto fail = [&](long line, const std::string& text, const std::string& remark) {
-        throw CImageError(path, line, text + remark + Quoted(path, line));
-    };
-    try {
-        image.LoadFromStream(in);
-    } catch (const ObjectFile::syntax_error& error) {
-        if (error.GetLine() == 0 && in.GetLineCounter() > 1) {
-            throw CImageError(path, std::nullopt, std::string(error.what()) + " (no line can be named)");
-        }
-        fail(error.GetLine() + 1L, error.what(), " (counted from 0)");
-    } catch (const ObjectFile::file_error& error) {
-        throw CImageError(path, in.GetLineCounter() + 1L, error.what());
-    } catch (const ObjectFile::invalid_format& error) {
-        // A name shorter than announced is found before its line counts as consumed.
-        const bool counted = std::string(error.what()) != "Invalid string length";
-        fail(in.GetLineCounter() + (counted ? 0L : 1L), error.what(), "");
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const std::exception& error) {
-        fail(in.GetLineCounter(), error.what(), "");
+    const auto failure = image.ReadFromStream(in);
+    if (failure && failure->m_Line) {
+        const long line = *failure->m_Line + 1L;
+        throw CImageError(path, line, failure->m_Reason + Quoted(path, line));
+    }
+    if (failure) {
+        throw CImageError(path, std::nullopt, failure->m_Reason + " (no line can be named)");
     }
 }
 

@@ -1,6 +1,7 @@
 #include "tools/layout.h"
 
 #include <algorithm>
+#include <map>
 
 #include "tools/image.h"
 #include "tools/text.h"
@@ -59,18 +60,18 @@ void Scale(SSpace& space) {
 
 std::vector<SSpace> LayOut(const ObjectFile::CObjectFile& image, bool withStackAndHeap) {
     std::vector<SSpace> spaces;
+    std::map<std::string, std::size_t> indices; // into spaces, by name
     for (int i = 0; i < image.SectionsCount(); ++i) {
         const CSection& section = *image.GetSection(i);
         if (!IsPlaced(section, withStackAndHeap)) {
             continue;
         }
-        auto space = std::find_if(spaces.begin(), spaces.end(),
-                                  [&](const SSpace& s) { return s.m_Name == section.GetAddressSpaceName(); });
-        if (space == spaces.end()) {
-            space = spaces.insert(space, SSpace{section.GetAddressSpaceName(), {}, 0});
+        const auto [index, isNew] = indices.emplace(section.GetAddressSpaceName(), spaces.size());
+        if (isNew) {
+            spaces.push_back(SSpace{section.GetAddressSpaceName(), {}, 0});
         }
         const auto address = static_cast<std::uint32_t>(section.GetMemoryByteAddress());
-        space->m_Pieces.push_back({&section, address, UnitCount(section), nullptr});
+        spaces[index->second].m_Pieces.push_back({&section, address, UnitCount(section), nullptr});
     }
     for (SSpace& space : spaces) {
         Arrange(space);

@@ -8,6 +8,9 @@
 namespace marlune::tool {
 namespace {
 
+constexpr std::size_t MAX_COLUMN = 60;  // characters; a longer field sticks out of its column
+constexpr std::size_t MAX_FIELD = 1000; // and one beyond that is cut
+
 struct SToText {
     std::string operator()(std::monostate /*nothing*/) const { return "-"; }
     std::string operator()(const std::string& text) const { return text.empty() ? "-" : Printable(text); }
@@ -27,12 +30,16 @@ struct SToJson {
 };
 
 std::string Padded(const std::string& text, std::size_t width, bool right) {
-    const std::string blanks(width - text.size(), ' ');
+    const std::string blanks(width - std::min(width, text.size()), ' ');
     return right ? blanks + text : text + blanks;
 }
 
 std::string TextOf(const CField& field) {
-    return std::visit(SToText(), field);
+    std::string text = std::visit(SToText(), field);
+    if (text.size() > MAX_FIELD) {
+        text.replace(MAX_FIELD, std::string::npos, "...");
+    }
+    return text;
 }
 CJson JsonOf(const CField& field) {
     return std::visit(SToJson(), field);
@@ -66,7 +73,8 @@ void CTable::Print(std::ostream& out) const {
     for (std::size_t column = 0; column < m_Columns.size(); ++column) {
         std::size_t width = m_Columns[column].m_Title.size();
         for (const auto& row : m_Rows) {
-            width = std::max(width, TextOf(row[column]).size());
+            const std::size_t size = TextOf(row[column]).size();
+            width = std::max(width, size <= MAX_COLUMN ? size : 0);
         }
         widths.push_back(width);
     }

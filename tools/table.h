@@ -48,7 +48,8 @@ public:
     void AddRow(std::vector<CField> fields) { m_Rows.push_back(std::move(fields)); }
     bool IsEmpty() const { return m_Rows.empty(); }
 
-    /// Aligned columns under their titles; nothing at all when there are no rows.
+    /// Aligned columns under their titles; nothing at all when there are no rows. One long field does not widen all
+    /// rows, and a very long one is cut.
     void Print(std::ostream& out) const;
     /// An array with an object for each row.
     CJson Json() const;

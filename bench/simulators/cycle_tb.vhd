@@ -112,7 +112,7 @@ begin
 
   foreign_architecture : if KIND = "foreign" generate
     ram : entity foreign_memories.marlune_memory
-      port map (clk, '1', '0' & std_logic_vector(read_address), q, '1', '0' & std_logic_vector(write_address),
+      port map (clk, '1', std_logic_vector(read_address), q, '1', std_logic_vector(write_address),
                 std_logic_vector(data));
   end generate;
 

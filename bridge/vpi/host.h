@@ -83,7 +83,7 @@ private:
     ERun m_Run;
     PLI_INT32 m_ReleaseReason;
     t_vpi_time m_Now{vpiSimTime, 0, 0, 0}; // a delay of 0; here because GHDL keeps its address
-    std::deque<CVpiSignal> m_Signals; // of all instances
+    std::deque<CVpiSignal> m_Signals;      // of all instances
     std::deque<CVpiProcess> m_Processes;
     std::vector<CVpiProcess*> m_Marked, m_Released;
 };

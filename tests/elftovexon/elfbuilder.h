@@ -1,3 +1,4 @@
+// ELF files for the tests.
 #ifndef MARLUNE_TESTS_ELFBUILDER_H
 #define MARLUNE_TESTS_ELFBUILDER_H
 
@@ -31,18 +32,18 @@ public:
     };
 
     /// An executable with the null section, the address space table, .shstrtab and .strtab.
-    explicit CElfBuilder(const std::vector<CAddressSpace>& spaces, bool bigEndian = false) : m_BigEndian(bigEndian) {
+    explicit CElfBuilder(const std::vector<CAddressSpace>& spaces) {
         std::copy_n(ELFMAG, SELFMAG, m_Header.e_ident);
         m_Header.e_ident[EI_CLASS] = ELFCLASS64;
-        m_Header.e_ident[EI_DATA] = bigEndian ? ELFDATA2MSB : ELFDATA2LSB;
+        m_Header.e_ident[EI_DATA] = ELFDATA2LSB;
         m_Header.e_type = ET_EXEC;
         m_Header.e_machine = 192;
         m_Header.e_phentsize = sizeof(Elf64_Phdr);
         m_Header.e_shentsize = sizeof(Elf64_Shdr);
-        std::string table = BytesOf(Half(static_cast<std::uint16_t>(spaces.size())));
+        std::string table = BytesOf(static_cast<std::uint16_t>(spaces.size()));
         for (const CAddressSpace& space : spaces) {
-            table += space.m_Name + '\0' + BytesOf(Half(7)) + BytesOf(Half(space.m_WordBitSize)) +
-                     BytesOf(Half(space.m_ByteBitSize)) + BytesOf(Half(space.m_BigEndian));
+            table += space.m_Name + '\0' + BytesOf(std::uint16_t{7}) + BytesOf(space.m_WordBitSize) +
+                     BytesOf(space.m_ByteBitSize) + BytesOf(space.m_BigEndian);
         }
         Add("", SHT_NULL);
         Add(".shstrtab", SHT_STRTAB);
@@ -69,7 +70,7 @@ public:
         (*this)[".strtab"].m_Bytes += name + '\0';
         (*this)[".symtab"].m_Bytes +=
             BytesOf(Elf64_Sym{nameOffset, static_cast<unsigned char>(ELF64_ST_INFO(bind, type)), 0,
-                              Half(static_cast<std::uint16_t>(section)), value, size});
+                              static_cast<std::uint16_t>(section), value, size});
     }
     void AddRelocation(const std::string& table, unsigned symbol, unsigned type, std::uint64_t offset,
                        std::uint64_t addend) {
@@ -98,15 +99,11 @@ public:
         Elf64_Shdr& namesRecord = reinterpret_cast<Elf64_Shdr*>(headers.data())[1];
         namesRecord.sh_offset = sizeof header + contents.size();
         namesRecord.sh_size = names.size();
-        header.e_phoff = sizeof header;
+        header.e_phoff += header.e_phoff == 0 ? sizeof header : 0;
         header.e_shoff = sizeof header + contents.size() + names.size();
         header.e_phnum = static_cast<std::uint16_t>(m_Segments.size());
         header.e_shnum = static_cast<std::uint16_t>(m_Sections.size());
         header.e_shstrndx = static_cast<std::uint16_t>(header.e_shstrndx == 0 ? 1 : header.e_shstrndx);
-        for (Elf64_Half* field : {&header.e_type, &header.e_machine, &header.e_phentsize, &header.e_phnum,
-                                  &header.e_shentsize, &header.e_shnum, &header.e_shstrndx}) {
-            *field = Half(*field);
-        }
         return BytesOf(header) + contents + names + headers;
     }
 
@@ -114,12 +111,7 @@ public:
     std::vector<Elf64_Phdr> m_Segments;
 
 private:
-    std::uint16_t Half(std::uint16_t value) const {
-        return m_BigEndian ? static_cast<std::uint16_t>(value << 8 | value >> 8) : value;
-    }
-
     std::deque<CSection> m_Sections;
-    bool m_BigEndian;
 };
 
 #endif

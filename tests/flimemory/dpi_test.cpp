@@ -40,12 +40,18 @@ protected:
         m_Simulator.Elaborate(MemoryInit(), path, parameters, ports);
     }
 
-    /// Writes a program image with these LAUs of 8 bits from address 0 on.
+    /// Writes a program image with these LAUs of 8 bits from address 0 on, and a stack and a heap of ones.
     void SaveImage(const std::string& bits) {
         CObjectFile image(8, 1, ObjectFile::BO_BIG, "ram");
         CSection& section = *image.CreateSection(CSection::TYPE_DATA, ".data");
         section.SetMemoryByteAddressIsAbsolute(true);
         section.AddData(bits.c_str());
+        for (const char* name : {".stack", ".heap"}) {
+            CSection& left = *image.CreateSection(CSection::TYPE_DATA, name);
+            left.SetMemoryByteAddress(12);
+            left.SetMemoryByteAddressIsAbsolute(true);
+            left.AddData("11111111");
+        }
         image.SaveFile(m_File);
     }
 
@@ -110,6 +116,7 @@ TEST_F(CDpi, ReadsAFileOnceUntilRestart) {
     Write(MEMORY, 0, "11111111");
     Init(MEMORY, m_File.c_str());
     EXPECT_EQ(Read(MEMORY, 0), "00000111");
+    EXPECT_EQ(Read(MEMORY, 12), "00000000"); // stack and heap are left out
     EXPECT_TRUE(m_Simulator.TakeLog().empty());
 
     m_Simulator.Restart();

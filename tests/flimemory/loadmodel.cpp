@@ -1,7 +1,12 @@
 #include "tests/flimemory/loadmodel.h"
 
 #include <algorithm>
+#include <stdexcept>
 
+#include "src/flimemory/loadmemory.h"
+#include "src/flimemory/storage.h"
+
+using marlune::foreign::fli::CStorage;
 using ObjectFile::CObjectFile;
 using ObjectFile::CSection;
 
@@ -20,6 +25,38 @@ std::uint32_t NearAPlace(std::mt19937& random, unsigned spread) {
     return places[random() % 3] + static_cast<std::uint32_t>(random() % spread);
 }
 
+constexpr std::size_t MAX_WIDTH = 1024; // of a memory
+constexpr unsigned CELLS = 200;         // compared of each memory
+
+/// Digits of a LAU, at least 1.
+std::size_t WidthOf(const CSection& section) {
+    return static_cast<std::size_t>(
+        std::max(1, ObjectFile::CSectionData::ByteBitSizeOf(section.GetWordBitSize(), section.GetBytesPerWord())));
+}
+
+/// Stores a section's LAUs in cells below the limit, with `reversed` their bits end for end.
+void Take(const CSection& section, const CWindow& window, std::uint64_t limit, bool reversed,
+          std::map<std::uint64_t, std::string>& cells) {
+    const std::int64_t start = static_cast<std::uint32_t>(section.GetMemoryByteAddress());
+    const std::int64_t low = window.m_Low;
+    const std::int64_t firstGroup = start > low ? (start - low) / window.m_Stride : 0;
+    for (int k = 0; k < section.GetSectionDataByteCount(); ++k) {
+        const std::int64_t address = start + k;
+        const std::int64_t offset = address - low - window.m_Phase;
+        const auto cell =
+            static_cast<std::uint64_t>((address - low) / window.m_Stride + window.m_CellBase / window.m_Stride);
+        if (address > window.m_High || offset < 0 || offset % window.m_Stride != 0 ||
+            offset / window.m_Stride < firstGroup || cell >= limit) {
+            continue;
+        }
+        std::string bits = section.GetSectionData()->GetByte(k);
+        if (reversed) {
+            bits.assign(bits.rbegin(), bits.rend());
+        }
+        cells[cell] = bits;
+    }
+}
+
 } // namespace
 
 CSection& AddSection(CObjectFile& file, unsigned long long address, const std::string& bits, int wordBitSize,
@@ -36,10 +73,10 @@ void AddRandomSections(CObjectFile& file, std::mt19937& random, int wordBitSize,
     for (auto sections = random() % 3; sections > 0; --sections) {
         const auto order = random() % 2 == 0 ? ObjectFile::BO_BIG : ObjectFile::BO_LITTLE;
         CSection& section = AddSection(file, NearAPlace(random, 60), "", wordBitSize, bytesPerWord, order);
-        if (random() % 5 == 0) {
-            section.CreateSectionData()->FillZero(static_cast<int>(random() % 80));
-        } else {
-            section.AddData(RandomBits(random, (random() % 80) * width).c_str());
+        ObjectFile::CSectionData& data = *section.CreateSectionData();
+        data.FillZero(static_cast<int>(random() % 80));
+        for (int i = random() % 5 == 0 ? data.GetByteCount() : 0; i < data.GetByteCount(); ++i) {
+            data.SetByte(i, RandomBits(random, width));
         }
     }
 }
@@ -55,32 +92,78 @@ CWindow RandomWindow(std::mt19937& random) {
 }
 
 std::map<std::uint64_t, std::string> ExpectedCells(const CObjectFile& file, const CWindow& window, std::uint64_t size) {
-    std::map<std::uint64_t, std::string> cells;
+    const std::size_t width = file.SectionsCount() == 0 ? 0 : WidthOf(*file.GetSection(0));
+    return ExpectedLoad(file, "ram", window, width, size).m_Cells;
+}
+
+CExpectedLoad ExpectedLoad(const CObjectFile& file, const std::string& space, const CWindow& window, std::size_t width,
+                           std::uint64_t size) {
+    CExpectedLoad load;
     const std::uint64_t range = window.m_High > window.m_Low ? window.m_High - std::uint64_t{window.m_Low}
                                                              : window.m_Low - std::uint64_t{window.m_High};
     const std::uint64_t limit = std::min(size, range == 0xFFFFFFFF ? range : range + 1);
-    for (int s = 0; s < file.SectionsCount(); ++s) {
-        const CSection& section = *file.GetSection(s);
-        const std::int64_t start = static_cast<std::uint32_t>(section.GetMemoryByteAddress());
-        const std::int64_t low = window.m_Low;
-        const std::int64_t firstGroup = start > low ? (start - low) / window.m_Stride : 0;
-        for (int k = 0; k < section.GetSectionDataByteCount(); ++k) {
-            const std::int64_t address = start + k;
-            const std::int64_t offset = address - low - window.m_Phase;
-            if (address > window.m_High || offset < 0 || offset % window.m_Stride != 0 ||
-                offset / window.m_Stride < firstGroup) {
+    try {
+        for (int s = 0; s < file.SectionsCount(); ++s) {
+            const CSection& section = *file.GetSection(s);
+            const bool isWanted = section.GetType() != CSection::TYPE_DEBUG &&
+                                  section.GetType() != CSection::TYPE_INFO && section.GetName() != ".stack" &&
+                                  section.GetName() != ".heap" && section.GetAddressSpaceName() == space;
+            if (isWanted && !section.GetMemoryByteAddressIsAbsolute()) {
+                return {load.m_Cells, "General error: Loaded file does not contain absolute sections."};
+            }
+            if (!isWanted || section.GetSectionDataByteCount() < 1) {
                 continue;
             }
-            const auto cell =
-                static_cast<std::uint64_t>((address - low) / window.m_Stride + window.m_CellBase / window.m_Stride);
-            if (cell < limit) {
-                std::string bits = section.GetSectionData()->GetByte(k);
-                if (bits.size() > 1 && section.GetByteOrder() == ObjectFile::BO_LITTLE) {
-                    bits.assign(bits.rbegin(), bits.rend());
-                }
-                cells[cell] = bits;
+            if (section.GetSectionData()->GetByte(0).size() != width) {
+                return {load.m_Cells, "General error: LAU mismatch"};
             }
+            Take(section, window, limit, width > 1 && section.GetByteOrder() == ObjectFile::BO_LITTLE, load.m_Cells);
+        }
+    } catch (const std::out_of_range& error) { // a LAU that its line does not hold
+        load.m_Error = error.what();
+    }
+    return load;
+}
+
+std::string CheckLoad(const CObjectFile& file, std::mt19937& random) {
+    const CSection& section =
+        *file.GetSection(static_cast<int>(random() % static_cast<unsigned>(file.SectionsCount())));
+    const auto width = std::min<std::size_t>(WidthOf(section) + (random() % 20 == 0 ? 1 : 0), MAX_WIDTH);
+    const auto size = random() % 3 == 0 ? CStorage::SPARSE_SIZE : static_cast<unsigned>(random() % CELLS);
+    CWindow window = RandomWindow(random);
+    if (random() % 3 > 0) {
+        window.m_Low = static_cast<unsigned>(section.GetMemoryByteAddress() + random() % 60 - 30);
+        window.m_High = static_cast<unsigned>(window.m_Low + random() % 90);
+    }
+    CStorage storage("top/mem", static_cast<unsigned>(width), size);
+    std::string error;
+    for (unsigned cell = 0; cell < std::min(size, CELLS); ++cell) {
+        storage.Write(cell, CStorage::CWord(3));
+    }
+    try {
+        marlune::foreign::LoadMemory(storage, file, section.GetAddressSpaceName(), window.m_CellBase, window.m_Low,
+                                     window.m_High, window.m_Phase, window.m_Stride, false);
+    } catch (const std::exception& thrown) {
+        error = thrown.what();
+    }
+    for (int i = 0; i < file.SectionsCount(); ++i) {
+        if (file.GetSection(i)->GetSectionDataByteCount() > 5000 || WidthOf(*file.GetSection(i)) > MAX_WIDTH) {
+            return ""; // too long for the model
         }
     }
-    return cells;
+    CExpectedLoad expected = ExpectedLoad(file, section.GetAddressSpaceName(), window, width, size);
+    if (error.empty() != expected.m_Error.empty() || error.rfind(expected.m_Error, 0) != 0) {
+        return "a load ends in '" + error + "', not in '" + expected.m_Error + "'";
+    }
+    for (unsigned cell = 0; cell < std::min(size, CELLS); ++cell) {
+        expected.m_Cells.emplace(cell, "11"); // not loaded into
+    }
+    for (const auto& [cell, bits] : expected.m_Cells) {
+        const bool cut = size != CStorage::SPARSE_SIZE && width <= 64 && bits.size() > 64; // as a cell does
+        const CStorage::CWord word("0b" + (cut ? bits.substr(bits.size() - 64) : bits));
+        if (!(storage.Read(static_cast<unsigned>(cell)) == word)) {
+            return "cell " + std::to_string(cell);
+        }
+    }
+    return "";
 }

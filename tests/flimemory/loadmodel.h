@@ -25,7 +25,18 @@ struct CWindow {
 void AddRandomSections(ObjectFile::CObjectFile& file, std::mt19937& random, int wordBitSize, int bytesPerWord);
 CWindow RandomWindow(std::mt19937& random);
 
-/// The cells that a load stores, as texts: each LAU of each section is asked on its own whether it is taken.
+/// What a load of an address space does: each LAU of each section is asked on its own whether it is taken.
+struct CExpectedLoad {
+    std::map<std::uint64_t, std::string> m_Cells; // what it stores, as texts of digits
+    std::string m_Error;                          // the beginning of the message in which it ends, or empty
+};
+CExpectedLoad ExpectedLoad(const ObjectFile::CObjectFile& file, const std::string& space, const CWindow& window,
+                           std::size_t width, std::uint64_t size);
+/// Loads the address space of some section into a memory of some kind, through a window around that section. Says where
+/// the memory and the model differ, or nothing.
+std::string CheckLoad(const ObjectFile::CObjectFile& file, std::mt19937& random);
+
+/// The cells of a load of the address space "ram" into a memory whose LAUs are as wide as the file's.
 std::map<std::uint64_t, std::string> ExpectedCells(const ObjectFile::CObjectFile& file, const CWindow& window,
                                                    std::uint64_t size);
 

@@ -1,9 +1,8 @@
 #include "objectfile/utils.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 #include <stdexcept>
+
+#include <gtest/gtest.h>
 
 using namespace ObjectFile;
 

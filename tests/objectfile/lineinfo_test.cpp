@@ -1,4 +1,6 @@
-#include "testfile.h"
+#include "objectfile/lineinfo.h"
+
+#include "tests/objectfile/testfile.h"
 
 using namespace ObjectFile;
 
@@ -36,20 +38,24 @@ struct CFixture {
 } // namespace
 
 TEST(LineTable, DecodesUnits) {
-    const std::string units = Unit("one.s" + ZERO + "two.s" + ZERO, Number('\2', "5") + "\4" + Number('\1', "16") +
-                                                                        Number('\3', "1") + Number('\2', "-2") + "\5") +
-                              Unit("three.s" + ZERO, "\5");
+    const std::string units =
+        Unit("one.s" + ZERO + "a blank.s" + ZERO,
+             Number('\2', "5") + "\4" + Number('\1', "16") + Number('\3', "1") + Number('\2', "-2") + "\5") +
+        Unit("three.s" + ZERO, "\5");
     for (const auto& [word, perWord] : std::vector<std::pair<int, int>>{{16, 2}, {16, 1}, {192, 2}}) {
         const CFixture fixture(units, word, perWord);
         ASSERT_EQ(fixture.m_Warning, "");
-        const CLineTable* const table = fixture.m_ObjectFile.GetLineTable();
-        ASSERT_NE(table, nullptr);
-        EXPECT_EQ(table->GetFileNames(), (std::vector<std::string>{"one.s", "two.s", "three.s"}));
+        ASSERT_NE(fixture.m_ObjectFile.GetLineTable(), nullptr);
+        CLineTable table(fixture.m_ObjectFile);
+        for (int i = 0; i < 2; ++i) { // the second time from the beginning
+            ASSERT_TRUE(table.PopulateFromMarluneLineSection());
+        }
+        EXPECT_EQ(table.GetFileNames(), (std::vector<std::string>{"one.s", "a blank.s", "three.s"}));
         const unsigned long long start = word / perWord == 8    ? 0x01020304
                                          : word / perWord == 16 ? 0x0001000200030004
                                                                 : 4;
         std::string rows;
-        for (const CLineInfo& row : table->GetRows()) {
+        for (const CLineInfo& row : table.GetRows()) {
             rows += std::to_string(row.m_Address - start) + " " + std::to_string(row.m_Line) + " " +
                     std::to_string(row.m_FileIndex) + (row.m_EndOfSequence ? " end\n" : "\n");
         }
@@ -88,7 +94,15 @@ TEST(LineTable, SectionsThatCannotHoldOne) {
                                              "sections have byte size smaller than 8 this should not occur.\n");
     CFixture wide("1", 16, 1);
     wide.m_ObjectFile.GetSection(0)->GetSectionData()->SetByte(0, "0000000100000000");
-    const std::string warning = ErrorOutput([&] { wide.m_ObjectFile.PopulateLineInfo(); });
+    CLineTable table(wide.m_ObjectFile);
+    const std::string warning = ErrorOutput([&] { EXPECT_FALSE(table.PopulateFromMarluneLineSection()); });
     EXPECT_NE(warning.find("(General error: Unsigned character value overflow while reading character data.)"),
               std::string::npos);
+    wide.m_ObjectFile.DeleteSection(wide.m_ObjectFile.GetSection(0)); // which the table does not hold any more
+    char byte = 0;
+    std::string text;
+    const std::string none = "General error: There is no assembly line section.";
+    EXPECT_EQ(ErrorOf([&] { table.ReadByte(0, &byte); }), none);
+    EXPECT_EQ(ErrorOf([&] { table.ReadStringZero(0, &text); }), none);
+    EXPECT_EQ(ErrorOf([&] { table.PopulateFromLineCU(0, 0); }), none);
 }

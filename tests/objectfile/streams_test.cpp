@@ -1,25 +1,15 @@
-#include "objectfile/objectfileutils.h"
 #include "objectfile/streams.h"
-#include "testfile.h"
 
 #include <filesystem>
-#include <stdexcept>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "elftovexon/elftovexon.h"
+#include "objectfile/objectfileutils.h"
+#include "tests/objectfile/testfile.h"
 
 using namespace ObjectFile;
-
-namespace {
-
-template <typename TAction>
-std::string ErrorOf(TAction action) {
-    try {
-        action();
-    } catch (const std::exception& error) {
-        return error.what();
-    }
-    return "no error";
-}
-
-} // namespace
 
 TEST(InputStream, CutsALineBeforeItsComment) {
     const std::vector<std::pair<std::string, std::string>> cases = {
@@ -63,48 +53,25 @@ TEST(InputStream, ReadsTheFirstCharactersOfALine) {
     EXPECT_EQ(ErrorOf([&] { in.GetLine(); }), "Unexpected end of file");
 }
 
-TEST(InputStream, LineLongerThanTheBufferAndUnterminatedLastLine) {
-    const std::string longLine(3000000, 'x');
-    const CTestFile file("first\n" + longLine + "\nshort\nrest");
-    CInputStream in(file.Path(), '\n');
-    in.SkipToLine(1);
-    EXPECT_EQ(in.GetLine(), longLine);
-    EXPECT_EQ(in.GetLine(), "short");
-    EXPECT_EQ(ErrorOf([&] { in.GetLine(); }), "Unexpected end of file");
-    EXPECT_EQ(in.GetLineCounter(), 3);
-    in.CloseFile();
-    EXPECT_EQ(in.GetLineCounter(), 0);
-    EXPECT_TRUE(in.OpenFile(file.Path()));
-    EXPECT_EQ(ErrorOf([&] { in.SkipToLine(4); }), "Unexpected end of file");
-}
-
 TEST(Streams, FilesThatCannotBeOpened) {
     CInputStream in('\n');
     EXPECT_TRUE(in.Eof());
     EXPECT_EQ(ErrorOf([&] { in.GetLine(); }), "Unexpected end of file");
     const std::string missing = testing::TempDir() + "no/such.file";
-    EXPECT_EQ(ErrorOf([&] { in.OpenFile(missing); }), "File '" + missing + "' could not be opened.");
-    EXPECT_EQ(ErrorOf([&] { in.OpenFile("/"); }), "File '/' could not be opened.");
+    const CTestFile holes(TestData("elf/everything.elf")); // three gigabytes in a few kilobytes of disk
+    ASSERT_EQ(truncate(holes.Path().c_str(), 3L << 30), 0);
+    const std::string pipe = holes.Path() + ".pipe"; // which nobody writes
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& path : {missing, std::string("/"), std::string("/dev/zero"), pipe, holes.Path()}) {
+        const std::string error = "File '" + path + "' could not be opened.";
+        EXPECT_EQ(ErrorOf([&] { in.OpenFile(path); }), error);
+        EXPECT_EQ(ErrorOf([&] { CObjectFile().LoadFile(path); }), error);
+        EXPECT_EQ(ErrorOf([&] { ElfToVexon{path.c_str()}; }), "General error: " + error + "\n");
+    }
+    std::filesystem::remove(pipe);
     COutputStream out('\n');
     EXPECT_EQ(ErrorOf([&] { out.OpenFile(""); }), "Output file was not set.");
     EXPECT_EQ(ErrorOf([&] { out.OpenFile(missing); }), "Output file could not be opened.");
-}
-
-TEST(OutputStream, CountsLinesAndNotesAFullDisk) {
-    const CTestFile file;
-    COutputStream out(file.Path(), '\n');
-    out.WriteLine("a");
-    out.WriteLine("b", "note");
-    const std::string longLine(1000000, 'y');
-    out.WriteLine(longLine);
-    EXPECT_EQ(out.GetLineCounter(), 3);
-    out.CloseFile();
-    EXPECT_FALSE(out.Failed());
-    EXPECT_EQ(out.GetLineCounter(), 0);
-    EXPECT_EQ(ReadFile(file.Path()), "a\nb\t// note\n" + longLine + "\n");
-    if (std::filesystem::exists("/dev/full")) {
-        EXPECT_FALSE(CObjectFile().SaveFile("/dev/full"));
-    }
 }
 
 TEST(Probes, AskForTheMagicLine) {

@@ -1,13 +1,13 @@
-#include "testfile.h"
-
-#include <sys/resource.h>
-#include <unistd.h>
+#include "tests/objectfile/testfile.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -78,12 +78,11 @@ std::unique_ptr<ObjectFile::CObjectFile> Load(const std::string& text) {
 }
 
 std::string LoadError(const std::string& text) {
-    try {
-        Load(text);
-    } catch (const std::exception& error) {
-        return error.what();
-    }
-    return "loaded";
+    const CTestFile file(text);
+    ObjectFile::CObjectFile objectFile;
+    ObjectFile::CInputStream in(file.Path(), '\n');
+    const auto failure = objectFile.ReadFromStream(in);
+    return failure ? (failure->m_Line ? std::to_string(*failure->m_Line) : "-") + ": " + failure->m_Reason : "loaded";
 }
 
 long PeakMemory() {

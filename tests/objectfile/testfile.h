@@ -2,13 +2,13 @@
 #ifndef MARLUNE_TESTS_OBJECTFILE_TESTFILE_H
 #define MARLUNE_TESTS_OBJECTFILE_TESTFILE_H
 
-#include "objectfile/objectfile.h"
-
-#include <gtest/gtest.h>
-
 #include <memory>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include "objectfile/objectfile.h"
 
 /// A file in the temporary folder, removed at the end.
 class CTestFile {
@@ -37,7 +37,7 @@ std::string Join(const std::vector<std::string>& lines);
 std::string Save(ObjectFile::CObjectFile& objectFile);
 /// The text as an object file; throws what LoadFromStream throws.
 std::unique_ptr<ObjectFile::CObjectFile> Load(const std::string& text);
-/// The message of the exception that loading the text ends in, or "loaded".
+/// Where and why the text cannot be loaded, "9: Syntax error", with "-" where no line is named; or "loaded".
 std::string LoadError(const std::string& text);
 
 /// Resident memory of this process at its largest, in KiB.
@@ -49,6 +49,17 @@ std::string ErrorOutput(TAction action) {
     testing::internal::CaptureStderr();
     action();
     return testing::internal::GetCapturedStderr();
+}
+
+/// The message of the exception in which `action` ends, or "no error".
+template <typename TAction>
+std::string ErrorOf(TAction action) {
+    try {
+        action();
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return "no error";
 }
 
 #endif
