@@ -66,7 +66,7 @@ module processor_tb;
     $marlune_load_image("processor_tb.cpu.program_memory", program_file, "program");
     for (int i = 0; i < 4; i++) begin
       bank = bank_at(i);
-      $marlune_load_bank(bank, data_file, "data", i, 4);
+      $marlune_load_bank(bank, data_file, "data", i, 4, DATA_BASE);
     end
   endtask
 
@@ -87,7 +87,7 @@ module processor_tb;
 
   task automatic load;
     load_image("processor_tb.cpu.program_memory", program_file, "program");
-    for (int i = 0; i < 4; i++) load_bank(bank_at(i), data_file, "data", i, 4);
+    for (int i = 0; i < 4; i++) load_bank(bank_at(i), data_file, "data", i, 4, DATA_BASE);
   endtask
 
   function automatic [7:0] peek_byte(input [31:0] offset);
@@ -186,7 +186,7 @@ module processor_tb;
     compared++;
     if (actual !== expected) begin
       differ++;
-      $display("  %s at %h is %h and not %h", what, DATA_BASE + offset, actual, expected);
+      if (differ <= 10) $display("  %s at %h is %h and not %h", what, DATA_BASE + offset, actual, expected);
     end
   endtask
 
