@@ -155,14 +155,16 @@ module processor_tb;
   endfunction
 
   function automatic [31:0] calculated(input [31:0] start);
-    logic [31:0] x, y, next;
+    logic [31:0] x, y, next, shifted_by_y, shifted_by_5;
     x = start;
     y = 32'h9E377000;
     for (int i = 0; i < ROUNDS; i++) begin
+      shifted_by_y = $signed(x) >>> y[4:0];  // by itself: beside an operand without sign it would have none either
+      shifted_by_5 = $signed(y) >>> 5;
       next = (x + y) ^ ($signed(x) < $signed(y) ? 32'h80 : 0) ^ (x < y ? 32'h80000 : 0);
-      next ^= ($signed(x) >>> y[4:0]) - (y >> x[4:0]);
+      next ^= shifted_by_y - (y >> x[4:0]);
       next += (y << x[4:0]) & x;
-      next ^= ((($signed(y) >>> 5) ^ 32'h555 | 32'h123) & -1000) - ($signed(x) < -100 ? 1 : 0) + (y < 32'hFFFFF830 ? 1 : 0);
+      next ^= ((shifted_by_5 ^ 32'h555 | 32'h123) & -1000) - ($signed(x) < -100 ? 1 : 0) + (y < 32'hFFFFF830 ? 1 : 0);
       y = x;
       x = next;
     end
