@@ -38,6 +38,8 @@ check_options() {
     expect 1 "'+marlune_lod=x': there is no such option. The options are +marlune_load=PATH," "${@:2}" +marlune_lod=x
     expect 1 "Option '+marlune_load=$pattern': a path and a file are needed" "${@:2}" "+marlune_load=$path"
     expect 1 "': '1k' is not a number of 32 bits." "${@:2}" "+marlune_load=$path,image.vexon,data,1k"
+    expect 1 "': '3' is not of the form BANK/BANKS." "${@:2}" "+marlune_load=$path,image.vexon,data,0,3"
+    expect 1 "': the bank must be below the number of banks." "${@:2}" "+marlune_load=$path,image.vexon,data,0,2/2"
     expect 1 "a first address only with a last one" "${@:2}" "+marlune_dump=$path,cells,1"
     expect 1 "There is no memory 'nowhere', which the command line names. The memories are: '" "${@:2}" \
         +marlune_dump=nowhere,cells

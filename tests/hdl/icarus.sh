@@ -31,6 +31,8 @@ refuse() {
     refuse "load_image takes (path, file, space *" '$marlune_load_image("m", "file", "space", 0, 1)'
     refuse "load_bank takes (path, file, space, bank, banks *" '$marlune_load_bank("m", "file", "space", 1)'
     refuse "poke argument 2 must not be real" '$marlune_poke("m", r, 1)'
+    refuse "poke argument 2 must be a number of 32 bits without X and Z" '$marlune_poke("m", 4'"'"'bx, 1)'
+    refuse "poke argument 2 must be a number of 32 bits" '$marlune_poke("m", 33'"'"'h100000000, 1)'
     refuse "peek argument 3 must be a whole variable" '$marlune_peek("m", 1, v[i +: 4])'
     refuse "peek argument 3 must be a whole variable" '$marlune_peek("m", 1, v + 1)'
 }
