@@ -88,6 +88,38 @@ def ghdl(libraries):
     return "GHDL", cycles, commands, "native array"
 
 
+def processor(libraries):
+    """The whole design of examples/riscv, with its memories in the library, in arrays of the language, and in bare arrays
+    behind the library's own calls."""
+    example = SOURCES.parent / "examples" / "riscv"
+    for simulator in "verilator", "icarus":
+        build(example / "run.sh", libraries, simulator, "--into", "library")
+        build(example / "run.sh", libraries, simulator, "--into", "native", "--native")
+    build("verilator", "--binary", "--timing", "-Wno-fatal", "--Mdir", "floor", "--top-module", "processor_tb",
+          HDL / "marlune_dpi.sv", HDL / "marlune_memory.sv", example / "processor.sv", example / "processor_tb.sv",
+          "floor.cpp")
+    os.environ["LD_LIBRARY_PATH"] = str(libraries)
+    plain = ["+program=native/program.mem", "+data=native/data.mem"]
+    images = ["+program=library/program.vexon", "+data=library/data.vexon"]
+    bridge = [f"-M{libraries}", "-mmarlune_fli"]
+    runs = {"verilator": "+runs=40", "icarus": "+runs=2"}
+    return {("Verilator", "native arrays"): ["native/processor_tb", runs["verilator"], *plain],
+            ("Verilator", "bare arrays"): ["floor/Vprocessor_tb", runs["verilator"], *plain],
+            ("Verilator", "library"): ["library/processor_tb", runs["verilator"], *images],
+            ("Icarus Verilog", "native arrays"): ["vvp", "native/processor_tb.vvp", runs["icarus"], *plain],
+            ("Icarus Verilog", "library"): ["vvp", *bridge, "library/processor_tb.vvp", runs["icarus"], *images]}
+
+
+def measure(commands):
+    """The best time of each command, and what it printed, by its key."""
+    best, lines = {}, {}
+    for _ in range(ROUNDS):
+        for key, command in commands.items():
+            seconds, lines[key] = run(command)
+            best[key] = min(best.get(key, seconds), seconds)
+    return best, lines
+
+
 def main():
     libraries = pathlib.Path(sys.argv[1]).resolve()
     with tempfile.TemporaryDirectory() as folder:
@@ -95,12 +127,9 @@ def main():
         for source in (SOURCES / "simulators").iterdir():  # Verilator takes no blanks in paths
             os.symlink(source, source.name)
         simulators = [make(libraries) for make in (verilator, icarus, ghdl)]
-        best, lines = {}, {}
-        for _ in range(ROUNDS):
-            for simulator, _, commands, _ in simulators:
-                for name, command in commands.items():
-                    seconds, lines[simulator, name] = run(command)
-                    best[simulator, name] = min(best.get((simulator, name), 1e9), seconds)
+        designs = processor(libraries)
+        best, lines = measure({(simulator, name): command for simulator, _, commands, _ in simulators
+                               for name, command in commands.items()})
         for simulator, cycles, commands, reference in simulators:
             own = best[simulator, "test bench"]
             print(f"\n{simulator}: nanoseconds a cycle, less the {own / cycles * 1e9:.1f} of the test bench")
@@ -110,6 +139,12 @@ def main():
                 print(f"  {name:45} {(best[simulator, name] - own) / cycles * 1e9:8.1f}", end="")
                 ratio = (best[simulator, name] - own) / (best[simulator, reference] - own)
                 print(f"  {ratio:6.2f} times {reference}" if name.startswith("library,") else "")
+
+        print("\nA whole processor with five memories (examples/riscv): seconds, and times those of native arrays")
+        best, _ = measure(designs)
+        for simulator, name in designs:
+            seconds = best[simulator, name]
+            print(f"  {simulator:15} {name:30} {seconds:6.3f} {seconds / best[simulator, 'native arrays']:6.2f}")
 
 
 main()

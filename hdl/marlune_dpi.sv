@@ -6,6 +6,7 @@
 //
 // An error (no such memory, an image that cannot be loaded or does not fit) ends the simulation with a message. An
 // address at or beyond a memory's size is reported; a read then gives 0, and a write has no effect.
+/* verilator lint_off TIMESCALEMOD */ // a test bench has a timescale or none
 package marlune_dpi;
 
   // A memory of fewer bits uses the low ones. There are none of more.
@@ -88,7 +89,7 @@ endpackage
 // PORTS are the names of all ports but CLK, each followed by a blank. WIDTHS are their widths in bits, 32 bits each,
 // after 32 bits of 0. `inputs` and `outputs` are their values. All begin with the first port.
 module marlune_ports #(
-    parameter PARAMETERS = "",
+    parameter string PARAMETERS = "",
     parameter MODE = 0,
     parameter DATA_BITS = 32,
     parameter ADDRESS_BITS = 10,

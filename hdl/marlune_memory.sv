@@ -3,10 +3,11 @@
 //
 // For other ports copy this file, and change the module's name, its ports and the list below them. marlune_memory.vhd
 // has the rules of port names.
+/* verilator lint_off TIMESCALEMOD */ // a test bench has a timescale or none
 module marlune_memory #(
     parameter ADDRESS_BITS = 10,
     parameter DATA_BITS = 32,
-    parameter PARAMETERS = "",  // "mode width cells"; empty: from MODE and the widths above
+    parameter string PARAMETERS = "",  // "mode width cells"; empty: from MODE and the widths above
     parameter MODE = 0          // 0: a read drives Q0 at its own edge; 1: one edge later
 ) (
     input                     CLK,

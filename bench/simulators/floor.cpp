@@ -1,22 +1,27 @@
-// Bare arrays behind the calls of floor_memory.sv, and behind those of hdl/marlune_dpi.sv in place of the library. For
-// memories of 32 bits, 1024 cells, and one read and one write port.
+// Bare arrays behind the calls of floor_memory.sv, and behind those of hdl/marlune_dpi.sv in place of the library: what
+// the calls alone cost. For memories of up to 32 bits and one read and one write port. Images are $readmemh texts.
+#include <algorithm>
+#include <cctype>
 #include <cstdint>
-#include <cstring>
 #include <deque>
+#include <fstream>
+#include <map>
+#include <string>
 
 namespace {
 
-constexpr std::uint32_t LAST_CELL = 1023;
-constexpr unsigned ADDRESS_BITS = 10;
-
 struct CFloor {
-    std::uint32_t m_Cells[LAST_CELL + 1];
+    unsigned m_AddressBits;
+    unsigned m_DataBits;
+    bool m_IsSynchronous;
     std::uint32_t m_Q;
     double m_RiseTime;
     std::uint64_t m_Inputs;
-    bool m_IsSynchronous;
+    std::uint32_t m_Cells[65536];
 };
 
+std::deque<CFloor> g_Floors;
+std::map<std::string, CFloor*> g_Names;
 std::uint32_t g_Turn = 0;
 std::uint64_t g_Stamp = 0;
 
@@ -36,34 +41,38 @@ std::uint32_t Access(CFloor& floor, bool read, std::uint32_t readAddress, bool w
     return floor.m_Q;
 }
 
-/// Inputs as both modules pack them, from the most significant bit on: in floor_memory.sv data, write address, read
-/// address, write, read; in hdl/marlune_memory.sv read, read address, write, write address, data.
-template <bool FIRST_IS_READ>
-void AccessPacked(CFloor& floor, std::uint64_t inputs) {
-    const auto take = [&](unsigned width) {
+/// The inputs come, from the most significant bit on, as read, read address, write, write address, data.
+void AccessPacked(CFloor& floor) {
+    std::uint64_t inputs = floor.m_Inputs;
+    const auto take = [&inputs](unsigned width) {
         const auto bits = static_cast<std::uint32_t>(inputs & ((std::uint64_t{1} << width) - 1));
         inputs >>= width;
         return bits;
     };
-    if constexpr (FIRST_IS_READ) {
-        const std::uint32_t data = take(32);
-        const std::uint32_t writeAddress = take(ADDRESS_BITS);
-        const bool write = take(1) != 0;
-        const std::uint32_t readAddress = take(ADDRESS_BITS);
-        Access(floor, take(1) != 0, readAddress, write, writeAddress, data);
-    } else {
-        const bool read = take(1) != 0;
-        const bool write = take(1) != 0;
-        const std::uint32_t readAddress = take(ADDRESS_BITS);
-        const std::uint32_t writeAddress = take(ADDRESS_BITS);
-        Access(floor, read, readAddress, write, writeAddress, take(32));
+    const std::uint32_t data = take(floor.m_DataBits);
+    const std::uint32_t writeAddress = take(floor.m_AddressBits);
+    const bool write = take(1) != 0;
+    const std::uint32_t readAddress = take(floor.m_AddressBits);
+    Access(floor, take(1) != 0, readAddress, write, writeAddress, data);
+}
+
+void SetInputs(CFloor& floor, const std::uint32_t* words) {
+    floor.m_Inputs = words[0];
+    if (2 + 2 * floor.m_AddressBits + floor.m_DataBits > 32) {
+        floor.m_Inputs |= std::uint64_t{words[1]} << 32;
     }
 }
 
-std::uint64_t NumberOf(const std::uint32_t* words) {
-    std::uint64_t number = 0;
-    std::memcpy(&number, words, sizeof number);
-    return number;
+/// "TOP.tb.banks[0].bank.memory", "tb.banks[0].bank.RAM" and "tb_banks_0__bank" are one name.
+std::string NameOf(std::string path) {
+    for (const char* suffix : {".memory", ".RAM"}) {
+        path.erase(std::min(path.size(), path.rfind(suffix)));
+    }
+    path.erase(0, path.rfind("TOP.", 0) == 0 ? 4 : 0);
+    for (char& character : path) {
+        character = std::isalnum(static_cast<unsigned char>(character)) != 0 ? character : '_';
+    }
+    return path;
 }
 
 } // namespace
@@ -71,8 +80,10 @@ std::uint64_t NumberOf(const std::uint32_t* words) {
 extern "C" {
 
 void* floor_open() {
-    static std::deque<CFloor> floors;
-    return &floors.emplace_back();
+    CFloor& floor = g_Floors.emplace_back();
+    floor.m_AddressBits = 10;
+    floor.m_DataBits = 32;
+    return &floor;
 }
 
 std::uint32_t floor_edge(void* memory, unsigned char read, std::uint32_t readAddress, unsigned char write,
@@ -81,22 +92,27 @@ std::uint32_t floor_edge(void* memory, unsigned char read, std::uint32_t readAdd
 }
 
 void floor_step(void* memory, unsigned char /*tick*/, const std::uint32_t* inputs, std::uint32_t* q) {
-    AccessPacked<false>(FloorOf(memory), NumberOf(inputs));
+    SetInputs(FloorOf(memory), inputs);
+    AccessPacked(FloorOf(memory));
     *q = FloorOf(memory).m_Q;
 }
 
-void* marlune_sv_open(const char* /*scope*/, const char* /*parameters*/, unsigned mode, unsigned /*dataBits*/,
-                      unsigned /*addressBits*/, const char* /*names*/, const std::uint32_t* /*widths*/) {
-    void* memory = floor_open();
-    FloorOf(memory).m_IsSynchronous = mode == 1;
-    return memory;
+/// The ports and their widths are those of hdl/marlune_memory.sv.
+void* marlune_sv_open(const char* scope, const char* /*parameters*/, unsigned mode, unsigned /*dataBits*/,
+                      unsigned /*addressBits*/, const char* /*names*/, const std::uint32_t* widths) {
+    CFloor& floor = g_Floors.emplace_back();
+    floor.m_DataBits = widths[0];
+    floor.m_AddressBits = widths[1];
+    floor.m_IsSynchronous = mode == 1;
+    g_Names[NameOf(scope)] = &floor;
+    return &floor;
 }
 
 /// Outputs at the edge, as they follow from the inputs so far.
 std::uint64_t marlune_sv_rise(void* memory, double now, std::uint32_t* outputs) {
     CFloor& floor = FloorOf(memory);
     floor.m_RiseTime = now;
-    AccessPacked<true>(floor, floor.m_Inputs);
+    AccessPacked(floor);
     *outputs = floor.m_Q;
     return ++g_Stamp;
 }
@@ -104,9 +120,9 @@ std::uint64_t marlune_sv_rise(void* memory, double now, std::uint32_t* outputs) 
 /// An asynchronous read follows the inputs that change at the edge.
 std::uint32_t marlune_sv_inputs(void* memory, double now, std::uint64_t /*stamp*/, const std::uint32_t* inputs) {
     CFloor& floor = FloorOf(memory);
-    floor.m_Inputs = NumberOf(inputs);
+    SetInputs(floor, inputs);
     if (now == floor.m_RiseTime && !floor.m_IsSynchronous) {
-        AccessPacked<true>(floor, floor.m_Inputs);
+        AccessPacked(floor);
         ++g_Turn;
     }
     return g_Turn;
@@ -117,9 +133,30 @@ std::uint64_t marlune_sv_look(void* memory, double /*now*/, unsigned char /*cloc
     return ++g_Stamp;
 }
 
-// The test bench does not use these.
-void marlune_dpi_memory_init(const char*, const char*, const char*, unsigned, unsigned, unsigned, unsigned, unsigned) {}
-void marlune_dpi_memory_write(const char*, unsigned, const void*) {}
-void marlune_dpi_memory_read(const char*, unsigned, void*) {}
+void marlune_dpi_memory_init(const char* name, const char* file, const char* /*space*/, unsigned /*cellBase*/,
+                             unsigned /*low*/, unsigned /*high*/, unsigned phase, unsigned stride) {
+    CFloor& floor = *g_Names.at(NameOf(name));
+    std::ifstream text(file);
+    unsigned long address = 0;
+    for (std::string word; text >> word;) {
+        if (word[0] == '@') {
+            address = std::stoul(word.substr(1), nullptr, 16);
+        } else {
+            if (address % stride == phase) {
+                floor.m_Cells[address / stride] = static_cast<std::uint32_t>(std::stoul(word, nullptr, 16));
+            }
+            ++address;
+        }
+    }
+}
+
+/// A word is a vector of pairs of 32 bits; all are below 2**32 here.
+void marlune_dpi_memory_write(const char* name, unsigned address, const std::uint32_t* data) {
+    g_Names.at(name)->m_Cells[address] = data[0];
+}
+
+void marlune_dpi_memory_read(const char* name, unsigned address, std::uint32_t* data) {
+    data[0] = g_Names.at(name)->m_Cells[address];
+}
 
 } // extern "C"

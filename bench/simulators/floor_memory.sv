@@ -58,7 +58,7 @@ module late_call_memory #(
 
   always @(tick, r_RE0, r_RA0, w_WE0, w_WA0, w_D0)
     if (edge_time == $realtime) begin
-      floor_step(memory, tick, {w_D0, w_WA0, r_RA0, w_WE0, r_RE0}, q);
+      floor_step(memory, tick, {r_RE0, r_RA0, w_WE0, w_WA0, w_D0}, q);
       r_Q0 = q;
     end
 

@@ -49,17 +49,21 @@ void SetBits(std::vector<std::uint64_t>& words, const marlune_direct_signal& pla
 CDirectInstance::CDirectInstance(const std::string& path, const std::string& parameters,
                                  const std::vector<CDirectPort>& ports)
     : m_Region(GetSimulation().AddInstance(path)) {
+    for (const CDirectPort& port : ports) {
+        (IsOutput(port.m_Name) ? m_OutputWidth : m_InputWidth) += port.m_Width;
+    }
+    std::uint32_t inputsLeft = m_InputWidth;
+    std::uint32_t outputsLeft = m_OutputWidth;
     std::vector<mtiSignalIdT> inputs;
-    m_Region.m_Signals.emplace_back("CLK");        // its value comes with each call
-    for (std::size_t i = ports.size(); i-- > 0;) { // the last port has the lowest bits
-        const CDirectPort& port = ports[i];
+    m_Region.m_Signals.emplace_back("CLK"); // its value comes with each call
+    for (const CDirectPort& port : ports) { // the order matters where two ports have one role
         const bool isOutput = IsOutput(port.m_Name);
-        std::uint32_t& width = isOutput ? m_OutputWidth : m_InputWidth;
+        std::uint32_t& left = isOutput ? outputsLeft : inputsLeft; // the bits of the ports that follow
+        left -= port.m_Width;
         auto& signals = m_Region.m_Signals;
         mtiSignalIdTag& signal = port.m_IsScalar ? signals.emplace_back(port.m_Name)
                                                  : signals.emplace_back(port.m_Name, static_cast<int>(port.m_Width));
-        signal.m_Place = PlaceAt(width, port.m_Width, port.m_IsScalar);
-        width += port.m_Width;
+        signal.m_Place = PlaceAt(left, port.m_Width, port.m_IsScalar);
         (isOutput ? m_OutputSignals : inputs).push_back(&signal);
     }
     m_InputWords = (m_InputWidth + WORD_BITS - 1) / WORD_BITS;

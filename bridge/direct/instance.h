@@ -34,6 +34,10 @@ public:
 
     const std::vector<mtiSignalIdT>& GetOutputSignals() const { return m_OutputSignals; }
 
+    // In bits.
+    std::uint32_t GetInputWidth() const { return m_InputWidth; }
+    std::uint32_t GetOutputWidth() const { return m_OutputWidth; }
+
     /// Gives the inputs their values; whether one has changed that wakes the instance. Bits above them do not count.
     bool SetInputs(const std::uint32_t* inputs) {
         std::uint64_t changed = 0;

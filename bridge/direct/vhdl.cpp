@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "bridge/core/failure.h"
 #include "bridge/core/foreigntext.h"
 #include "bridge/core/testbench.h"
 #include "bridge/direct/entry.h"
@@ -32,6 +33,8 @@ public:
             m_Time = time;
             ++m_Number;
         }
+        CheckLength("inputs", inputs.GetLength(), m_Instance.GetInputWidth());
+        CheckLength("outputs", outputs.GetLength(), m_Instance.GetOutputWidth());
         m_Instance.SetInputs(ToBits(inputs));
         const int result = m_Instance.Wake(m_Number, clockIsOne ? MARLUNE_DIRECT_HIGH : MARLUNE_DIRECT_LOW);
         if (result == MARLUNE_DIRECT_NO_EDGE || (result == MARLUNE_DIRECT_SERVED && !HasNewOutput())) {
@@ -42,6 +45,15 @@ public:
     }
 
 private:
+    /// A copied entity may have forgotten a port in one of the two places.
+    void CheckLength(const char* what, std::uint32_t length, std::uint32_t listed) const {
+        if (length != listed) {
+            Fail(m_Instance.GetPath(), "The " + std::string(what) + " of wake have " + std::to_string(length) +
+                                           " elements, and the ports that open_memory lists have " +
+                                           std::to_string(listed) + ".");
+        }
+    }
+
     const std::uint32_t* ToBits(const CVhdlArray& inputs) {
         constexpr int WORD_BITS = 32;
         const auto* elements = reinterpret_cast<const unsigned char*>(inputs.m_Base);

@@ -5,6 +5,7 @@ module bad_memory #(
 `ifdef REAL_PORT
     input wire real a_RA0,
 `endif
+    input p_CS,
     input CLK
 );
 endmodule
@@ -17,6 +18,7 @@ module bad_tb;
 `ifdef REAL_PORT
       level,
 `endif
+      1'b0,
       clk);
   initial $display("the simulation has started");
 endmodule

@@ -1,6 +1,33 @@
 #!/usr/bin/env bash
-# usage: icarus.sh BUILD-FOLDER WORK-FOLDER
+# Icarus Verilog: traffic, system tasks, and what a user gets wrong.
+#
+# usage: icarus.sh BUILD-FOLDER
 source "$(dirname "$0")/common.sh"
+copy_memory marlune_memory.v
 iverilog -g2012 -o icarus_tb.vvp "$here/icarus_tb.v" "$root/hdl/marlune_memory.v"
-vvp -M"$build" -mmarlune_fli icarus_tb.vvp | tee log
-grep -qx PASSED log # vvp exits with status 0 whatever a test bench finds
+iverilog -g2012 -o modes_tb.vvp "$here/modes_tb.v" all_ports.v "$root/hdl/marlune_memory.v"
+
+run() {
+    vvp -M"$build" -mmarlune_fli "$@"
+}
+
+expect 0 PASSED run icarus_tb.vvp "+marlune_dump=icarus_tb.odd.name+[3],sparse"
+[[ $(< sparse) == $'@00000000 00\n@fffffffe a1' ]] || fail "$(< sparse)"
+check_options icarus_tb.rows[1] run icarus_tb.vvp
+expect 0 PASSED run modes_tb.vvp
+check_waveform
+expect 1 "modes_tb.*.memory: no library serves this memory. Run vvp with -M\$LIB -mmarlune_fli." vvp modes_tb.vvp
+
+# refuse MESSAGE CALL: the call of a system task is refused when the design is read
+refuse() {
+    echo "module calls_tb; integer i; reg [7:0] v; real r; initial $2; endmodule" > calls_tb.v
+    iverilog -g2012 -o calls_tb.vvp calls_tb.v
+    expect 1 "fatal error: calls_tb.v:1: \$marlune_$1" run calls_tb.vvp
+}
+
+refuse "poke takes (path, address, value)." '$marlune_poke("calls_tb.m", 1)'
+refuse "load_image takes (path, file, space *" '$marlune_load_image("m", "file", "space", 0, 1)'
+refuse "load_bank takes (path, file, space, bank, banks *" '$marlune_load_bank("m", "file", "space", 1)'
+refuse "poke argument 2 must not be real" '$marlune_poke("m", r, 1)'
+refuse "peek argument 3 must be a whole variable" '$marlune_peek("m", 1, v[i +: 4])'
+refuse "peek argument 3 must be a whole variable" '$marlune_peek("m", 1, v + 1)'

@@ -1,0 +1,8 @@
+#!/usr/bin/env bash
+# GHDL: the same random traffic through VPI, through direct calls and through a model, in one simulation.
+#
+# usage: ghdl_traffic.sh BUILD-FOLDER
+source "$(dirname "$0")/common.sh"
+export LD_LIBRARY_PATH=$build
+ghdl -a --std=08 "$root"/hdl/marlune_fli.vhd "$root"/hdl/ghdl/marlune_direct.vhd "$here"/ghdl/{all_ports,traffic}.vhd
+expect 0 PASSED ghdl -r --std=08 traffic --vpi="$build/libmarlune_fli_vpi.so"
