@@ -3,6 +3,7 @@
 //
 //   +program=FILE +data=FILE  the images to load. Without them the memories hold what the command line gave them.
 //   +runs=N                   how many runs, 2 if not given
+//   +unchecked                runs another program once, and compares nothing
 //   +limit=N                  the cycles after which a run is given up, a million if not given
 module processor_tb;
   localparam [31:0] DATA_BASE = 32'h0001_0000;
@@ -268,7 +269,10 @@ module processor_tb;
     if ($value$plusargs("runs=%d", runs) == 0) runs = 2;
     if ($value$plusargs("limit=%d", limit) == 0) limit = 1_000_000;
     if ($value$plusargs("program=%s", program_file) != 0 && $value$plusargs("data=%s", data_file) != 0) load();
-    for (int i = 0; i < runs; i++) begin
+    if ($test$plusargs("unchecked") != 0) begin
+      runs = 1;
+      run();
+    end else for (int i = 0; i < runs; i++) begin
       if (i > 0) change_parameters(i);
       compare_parameters();
       if (differ == 0) begin
@@ -277,7 +281,7 @@ module processor_tb;
       end
       if (differ > 0) $fatal(1, "%0d of %0d values differ.", differ, compared);
     end
-    $display("  runs: %0d, cycles: %0d, values compared: %0d, none differs", runs, all_cycles, compared);
+    $display("  runs: %0d, cycles: %0d, values compared: %0d, differ: 0", runs, all_cycles, compared);
     $finish;
   end
 endmodule
