@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <unordered_set>
 
+#include "byte_group"
 #include "objectfile/bitdigits.h"
 #include "tools/text.h"
 
@@ -160,7 +161,7 @@ private:
         for (std::size_t i = 0; i < limbs.size(); ++i) {
             std::array<char, 8> eight{};
             std::copy_n(bytes + i * 8, std::min<std::size_t>(8, count - i * 8), eight.data());
-            const std::uint64_t limb = ObjectFile::LoadEightCharacters(eight.data());
+            const std::uint64_t limb = LoadGroup(eight.data());
             limbs[i] = m_Order == ObjectFile::BO_BIG ? __builtin_bswap64(limb) : ObjectFile::ReverseBits(limb);
         }
         data.AddPacked(limbs.data(), static_cast<std::int64_t>(count) * 8);
