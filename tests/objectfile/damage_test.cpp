@@ -132,6 +132,7 @@ TEST_F(CDamage, LongAndIrregularText) {
 
 TEST_F(CDamage, CorpusFiles) {
     const long before = PeakMemory();
+    const CTestFile file;
     int files = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(MARLUNE_TEST_DATA)) {
         const std::string extension = entry.path().extension();
@@ -140,6 +141,10 @@ TEST_F(CDamage, CorpusFiles) {
                                entry.path().parent_path().filename() == "import"; // of other toolchains
             EXPECT_EQ(CheckImage(entry.path()), isBad ? "error" : "loaded") << entry.path();
             ++files;
+        } else if (entry.path().parent_path() == MARLUNE_TEST_DATA "/fuzz/image") {
+            EXPECT_NO_FATAL_FAILURE(ExpectNoFault(CheckImage(entry.path()), 0)) << entry.path();
+        } else if (entry.path().parent_path() == MARLUNE_TEST_DATA "/fuzz/edit") {
+            EXPECT_EQ(RunEdits(ReadFile(entry.path()), file.Path()), "") << entry.path();
         }
     }
     EXPECT_GT(files, 15);
