@@ -15,4 +15,24 @@ if(MARLUNE_SANITIZE)
     target_compile_options(marlune_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
                            -fno-omit-frame-pointer)
     target_link_options(marlune_options INTERFACE -fsanitize=address,undefined)
+else()
+    # Fortified functions need the optimizer.
+    target_compile_options(marlune_options INTERFACE -fstack-protector-strong
+                           $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE> $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
 endif()
+
+# A library that a simulator loads. Exports what the version script beside it says; calls between its own entry points stay
+# inside. The simulator's functions stay undefined and bind lazily, because not every simulator has all of them.
+function(marlune_simulator_library target)
+    target_link_libraries(${target} PRIVATE marlune_options)
+    target_link_options(${target} PRIVATE -Wl,-z,lazy -Wl,-z,relro -Wl,-Bsymbolic
+                        "-Wl,--version-script=${CMAKE_CURRENT_SOURCE_DIR}/exports.map")
+    if(NOT MARLUNE_SANITIZE)
+        # Simulators bring a C++ run-time of their own, often an older one. What of ours is not used goes, for parts of it
+        # need the newest C library.
+        target_link_options(${target} PRIVATE -static-libstdc++ -static-libgcc -Wl,--gc-sections)
+    endif()
+    set_target_properties(${target} PROPERTIES
+        LINK_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/exports.map"
+        LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}")
+endfunction()

@@ -1,10 +1,11 @@
-// A test bench's direct way to the memories, past their ports and in no time: load program images, read and write cells.
+// A test bench's direct way to the memories, past their ports and in no time: load program images, read and write
+// cells.
 //
 // Addresses count cells. A cell holds one LAU (least addressable unit) of an image, as many bits as the second of the
 // memory's parameters says. A memory is found by the path of its instance.
 //
-// An error (no such memory, an image that cannot be loaded or does not fit) ends the simulation with a message. An address
-// at or beyond a memory's size is reported; a read then gives 0, and a write has no effect.
+// An error (no such memory, an image that cannot be loaded or does not fit) ends the simulation with a message. An
+// address at or beyond a memory's size is reported; a read then gives 0, and a write has no effect.
 package marlune_dpi;
 
   // A memory of fewer bits uses the low ones. There are none of more.
@@ -17,8 +18,8 @@ package marlune_dpi;
   // without "RAM" is taken whole. The path may be written in any way, since its separators become "_".
   //
   // The LAUs at low_address + phase, then every stride-th, up to high_address (inclusive) go to the cells from
-  // cell_base / stride on. All five count LAUs. Cells that get no LAU keep their contents. A file is read once, however many
-  // memories are filled from it.
+  // cell_base / stride on. All five count LAUs. Cells that get no LAU keep their contents. A file is read once, however
+  // many memories are filled from it.
   import "DPI-C" function void marlune_dpi_memory_init(
       input string name, input string file, input string address_space, input int unsigned cell_base,
       input int unsigned low_address, input int unsigned high_address, input int unsigned phase,
@@ -51,8 +52,8 @@ package marlune_dpi;
     marlune_dpi_memory_init({path, ".RAM"}, file, address_space, 0, base, 32'hFFFF_FFFF, 0, 1);
   endfunction
 
-  // Loads one bank of a memory that is interleaved LAU by LAU: the LAUs at base + bank, base + bank + banks, and so on into
-  // cells 0, 1, and so on.
+  // Loads one bank of a memory that is interleaved LAU by LAU: the LAUs at base + bank, base + bank + banks, and so on
+  // into cells 0, 1, and so on.
   function automatic void load_bank(string path, string file, string address_space, int unsigned bank,
                                     int unsigned banks, int unsigned base = 0);
     marlune_dpi_memory_init({path, ".RAM"}, file, address_space, 0, base, 32'hFFFF_FFFF, bank, banks);
@@ -64,8 +65,8 @@ package marlune_dpi;
     marlune_dpi_memory_read(memory_name(path), address, peek);
   endfunction
 
-  // Stores into a cell. A write that a port has recorded comes later, at the next edge. Some simulators want the value to
-  // have all 1024 bits: word_t'(value).
+  // Stores into a cell. A write that a port has recorded comes later, at the next edge. Some simulators want the value
+  // to have all 1024 bits: word_t'(value).
   function automatic void poke(string path, int unsigned address, word_t value);
     marlune_dpi_memory_write(memory_name(path), address, value);
   endfunction
@@ -84,8 +85,8 @@ endpackage
 //
 // PARAMETERS are "mode width cells", and "" makes them of MODE, DATA_BITS and ADDRESS_BITS.
 //
-// PORTS are the names of all ports but CLK, each followed by a blank. WIDTHS are their widths in bits, 32 bits each, after
-// 32 bits of 0. `inputs` and `outputs` are their values. All begin with the first port.
+// PORTS are the names of all ports but CLK, each followed by a blank. WIDTHS are their widths in bits, 32 bits each,
+// after 32 bits of 0. `inputs` and `outputs` are their values. All begin with the first port.
 module marlune_ports #(
     parameter PARAMETERS = "",
     parameter MODE = 0,
@@ -117,8 +118,8 @@ module marlune_ports #(
   bit [OUTPUT_BITS-1:0] at_rise, at_look, risen, looked;
   longint unsigned rise_stamp, look_stamp, rise, look;
 
-  // The stamp differs from edge to edge. It makes the inputs come after each edge, changed or not: when the registers of
-  // the same clock have their new values, and once more for each later change.
+  // The stamp differs from edge to edge. It makes the inputs come after each edge, changed or not: when the registers
+  // of the same clock have their new values, and once more for each later change.
   always @(posedge CLK) begin
     rise = marlune_sv_rise(memory, $realtime, risen);
     at_rise <= risen;

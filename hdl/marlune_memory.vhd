@@ -3,21 +3,22 @@
 --
 -- The same source serves an FLI simulator, which runs the library directly, and GHDL, which runs it through the bridge.
 --
--- Ports: CLK, and any number of groups. The text before the last "_" of a port's name, its prefix, says to which group it
--- belongs; what follows is its role. Upper and lower case differ in a prefix (where the language keeps them apart) and not
--- in a role.
+-- Ports: CLK, and any number of groups. The text before the last "_" of a port's name, its prefix, says to which group
+-- it belongs; what follows is its role. Upper and lower case differ in a prefix (where the language keeps them apart)
+-- and not in a role.
 --
 --   read port    Q0 (data out), RA0 (address), RE0 (enable: it must be there, but the port reads at every edge)
 --   write port   D0 (data in), WA0 (address), WE0 (enable)
 --   shared port  Q0, D0, A0 (address), CS0 (chip select), WE0
 --
--- All are std_logic or std_logic_vector, data at most 1024 bits wide. A group that lacks a port is not served; the bridge
--- warns of it. VPI does not show ports of some other types (real, record, array of vectors) in GHDL.
+-- All are std_logic or std_logic_vector, data at most 1024 bits wide. A group that lacks a port is not served; the
+-- bridge warns of it. VPI does not show ports of some other types (real, record, array of vectors) in GHDL.
 --
 -- Parameters, after the semicolon of the attribute:
 --
 --   1. 0: a read drives Q0 at its own edge; 1: one edge later
---   2. bits of a LAU (least addressable unit), 1 to 1024. A cell of 1 to 64 keeps 64 bits in a dense memory; others keep 1024
+--   2. bits of a LAU (least addressable unit), 1 to 1024. A cell of up to 64 keeps 64 bits in a dense memory; others
+--      keep 1024
 --   3. number of cells; 4294967295 makes a sparse memory of the whole 32-bit address range, which takes space only for
 --      cells that were accessed
 

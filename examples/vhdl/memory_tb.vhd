@@ -1,5 +1,5 @@
--- Five memories of different shapes under random traffic. Every Q0 is compared with the reference model at every edge of
--- the clock: after a rising edge with what the model reads, at the falling edge that it still holds.
+-- Five memories of different shapes under random traffic. Every Q0 is compared with the reference model at every edge
+-- of the clock: after a rising edge with what the model reads, at the falling edge that it still holds.
 
 library ieee;
 use ieee.math_real.uniform;
@@ -232,8 +232,8 @@ begin
       writeline(output, l);
     end procedure;
 
-    -- The table of squares in an image of the same name goes to the dense memory's first cells, then some words from here.
-    -- The model gets them too, and everything is read back.
+    -- The table of squares in an image of the same name goes to the dense memory's first cells, then some words from
+    -- here. The model gets them too, and everything is read back.
     procedure load_and_poke is
       constant SQUARES : natural := 16;
       variable value   : word;
@@ -269,8 +269,8 @@ begin
     load_and_poke;
 
     for i in 1 to CYCLES loop
-      -- Shared ports change at the falling edge: a chip select that goes off in a rising edge's time step takes back the
-      -- write, but not the read.
+      -- Shared ports change at the falling edge: a chip select that goes off in a rising edge's time step takes back
+      -- the write, but not the read.
       many_shared <= random_inputs(512);
       many_select <= random_bit;
       wide <= random_inputs(64);

@@ -1,9 +1,9 @@
 -- What a memory must do, as a model that has nothing in common with the library but the rules:
 --
--- At a rising edge, the writes that were recorded at the edge before reach the cells, port by port in the order of their
--- prefixes. Then each port reads: the contents at its address, or, when reads are synchronous, what it read at the edge
--- before (zero at first). Then each write port that is enabled records its write. What counts is the inputs' last value
--- at the edge's time.
+-- At a rising edge, the writes that were recorded at the edge before reach the cells, port by port in the order of
+-- their prefixes. Then each port reads: the contents at its address, or, when reads are synchronous, what it read at
+-- the edge before (zero at first). Then each write port that is enabled records its write. What counts is the inputs'
+-- last value at the edge's time.
 
 library ieee;
 use ieee.std_logic_1164.all;

@@ -6,13 +6,14 @@ use ieee.std_logic_1164.all;
 package marlune_direct is
 
   -- Elaborates a memory; an error ends the simulation. Ports are given as "name:length" for a vector and "name" for a
-  -- std_logic, separated by blanks. Those whose names end in Q0 are outputs. The second form makes empty parameters of the
-  -- three numbers.
+  -- std_logic, separated by blanks. Those whose names end in Q0 are outputs. The second form makes empty parameters of
+  -- the three numbers.
   impure function open_memory(clock_path, parameters, ports : string) return integer;
   impure function open_memory(clock_path, parameters : string; mode, data_bits, address_bits : natural; ports : string)
     return integer;
 
-  -- Reports an event on the clock or an input. The values are in the order of the ports. Outputs are written if `changed`.
+  -- Reports an event on the clock or an input. The values are in the order of the ports. Outputs are written if
+  -- `changed`.
   procedure wake(memory : integer; at : time; clk : std_logic; inputs : std_logic_vector;
                  outputs : inout std_logic_vector; changed : out boolean);
   attribute foreign of wake : procedure is "VHPIDIRECT libmarlune_direct.so marlune_vhdl_wake";

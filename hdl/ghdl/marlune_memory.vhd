@@ -4,9 +4,9 @@
 --   ghdl -m --std=08 my_tb
 --   LD_LIBRARY_PATH=$LIB ghdl -r --std=08 my_tb
 --
--- For other ports copy this file, and change the entity's name, its ports, and the process: the ports' names and lengths,
--- and the inputs in the same order. RE0 must be there, but no event on it matters. The rules of port names are in
--- ../marlune_memory.vhd.
+-- For other ports copy this file, and change the entity's name, its ports, and the process: the ports' names and
+-- lengths, and the inputs in the same order. RE0 must be there, but no event on it matters. The rules of port names are
+-- in ../marlune_memory.vhd.
 
 library ieee;
 use ieee.std_logic_1164.all;

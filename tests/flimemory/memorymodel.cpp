@@ -98,7 +98,7 @@ void CMemoryModel::Record(const std::string& prefix, const std::string& address,
 }
 
 CTestedMemory::CTestedMemory(CSimulator& simulator, std::mt19937& random, const CShape& shape, const std::string& path,
-                             const std::string& scope)
+                             const std::string& scope, bool isDirect)
     : m_Model(simulator, shape, path, scope), m_Simulator(simulator), m_Random(random) {
     std::vector<std::string> ports;
     const auto add = [&](const char* name, int length) {
@@ -124,6 +124,58 @@ CTestedMemory::CTestedMemory(CSimulator& simulator, std::mt19937& random, const 
                         std::to_string(static_cast<int>(shape.m_Synchronous)) + " " +
                             std::to_string(shape.m_ByteBitWidth) + " " + std::to_string(shape.m_Size),
                         ports, scope);
+    if (isDirect) {
+        ServeDirectly(ports);
+    }
+}
+
+void CTestedMemory::ServeDirectly(const std::vector<std::string>& ports) {
+    std::uint32_t bits = 0;
+    for (const std::string& port : ports) {
+        mtiSignalIdT signal = m_Simulator.Signal(m_Model.m_Scope + port);
+        const auto width = static_cast<std::uint32_t>(signal->m_Value.size());
+        const std::uint32_t lowest = std::min(width, 64U);
+        signal->m_Place = {bits / 64, bits % 64, width, signal->m_Type->m_Kind == MTI_TYPE_ENUM ? 1U : 0U,
+                           ~std::uint64_t{0} >> (64 - lowest), bits % 64 + lowest > 64 ? 1U : 0U, 0};
+        bits += width;
+        m_Signals.push_back(signal);
+    }
+    m_Inputs.resize(bits / 64 + 1);
+    m_Outputs.resize(bits / 64 + 1);
+    mtiProcessIdTag& process = m_Simulator.m_Processes.back();
+    m_Process = std::exchange(process.m_Argument, this);
+    process.m_Function = WakeDirectly;
+    EntryPoint(marlune_direct_bind, "marlune_direct_bind")(m_Process);
+}
+
+void CTestedMemory::WakeDirectly(void* memory) {
+    constexpr char ONE = 3;
+    auto& self = *static_cast<CTestedMemory*>(memory);
+    const auto forEachBit = [](mtiSignalIdT signal, std::vector<std::uint64_t>& words, auto&& visit) {
+        std::uint32_t place = signal->m_Place.word * 64 + signal->m_Place.shift + signal->m_Place.width;
+        for (char& element : signal->m_Value) {
+            --place;
+            visit(element, words[place / 64], std::uint64_t{1} << place % 64);
+        }
+    };
+    for (const mtiSignalIdT signal : self.m_Signals) {
+        forEachBit(signal, self.m_Inputs, [](char element, std::uint64_t& word, std::uint64_t bit) {
+            word = element == ONE ? word | bit : word & ~bit;
+        });
+    }
+    const bool clock = self.m_Signals[0]->m_Value[0] == ONE;
+    const int result = EntryPoint(marlune_direct_wake, "marlune_direct_wake")(
+        self.m_Process, static_cast<std::uint32_t>(self.m_Simulator.m_Now),
+        clock ? MARLUNE_DIRECT_HIGH : MARLUNE_DIRECT_LOW, self.m_Inputs.data(), self.m_Outputs.data());
+    for (const mtiSignalIdT signal : self.m_Signals) {
+        if (result != MARLUNE_DIRECT_NO_EDGE && signal->m_Place.is_driven != 0) {
+            std::string value;
+            forEachBit(signal, self.m_Outputs, [&](char, std::uint64_t word, std::uint64_t bit) {
+                value += static_cast<char>((word & bit) != 0 ? ONE : ONE - 1);
+            });
+            self.m_Simulator.m_Scheduled.emplace_back(signal->m_Name, value);
+        }
+    }
 }
 
 void CTestedMemory::Clock() {

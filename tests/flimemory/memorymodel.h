@@ -1,10 +1,12 @@
 #ifndef MARLUNE_TESTS_FLIMEMORY_MEMORYMODEL_H
 #define MARLUNE_TESTS_FLIMEMORY_MEMORYMODEL_H
 
+#include <cstdint>
 #include <map>
 #include <random>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "tests/simulator/simulator.h"
 
@@ -56,8 +58,9 @@ private:
 /// A memory instance of the shared library with random traffic on its ports, compared with its model at each step.
 class CTestedMemory {
 public:
+    /// A direct one is served by direct calls in place of its process.
     CTestedMemory(CSimulator& simulator, std::mt19937& random, const CShape& shape, const std::string& path,
-                  const std::string& scope);
+                  const std::string& scope, bool isDirect);
 
     /// Advances the time by one clock period with an edge and some more delta cycles; compares all read data and
     /// messages (GoogleTest assertions).
@@ -66,12 +69,17 @@ public:
     CMemoryModel m_Model;
 
 private:
+    void ServeDirectly(const std::vector<std::string>& ports);
+    static void WakeDirectly(void* memory);
     void Compare();
     bool ChangeInputs();
     std::string RandomLetters(std::size_t length, bool isAddress);
 
     CSimulator& m_Simulator;
     std::mt19937& m_Random;
+    std::vector<mtiSignalIdT> m_Signals; // of a direct one: the ports, and all their values one after the other
+    std::vector<std::uint64_t> m_Inputs, m_Outputs;
+    void* m_Process = nullptr;
 };
 
 #endif

@@ -11,13 +11,15 @@ namespace {
 
 TEST(Process, AgreesWithAModelUnderRandomTraffic) {
     std::mt19937 random(5);
-    for (const bool synchronous : {false, true}) {
+    for (const unsigned variant : {0U, 1U, 2U, 3U}) {
+        const bool synchronous = variant % 2 != 0;
+        const bool isDirect = variant / 2 != 0;
         for (const CShape& shape : {CShape{synchronous, 8, 1000, 32, 10}, CShape{synchronous, 1, 2, 0, 1},
                                     CShape{synchronous, 64, 1024, 100, 10}, CShape{synchronous, 128, 30, 128, 5},
                                     CShape{synchronous, 32, 0xFFFFFFFF, 40, 32}}) {
-            SCOPED_TRACE(std::to_string(shape.m_DataBits) + " bits, synchronous " + std::to_string(synchronous));
+            SCOPED_TRACE(std::to_string(shape.m_DataBits) + " bits, variant " + std::to_string(variant));
             CSimulator simulator;
-            CTestedMemory memory(simulator, random, shape, "top/mem", "");
+            CTestedMemory memory(simulator, random, shape, "top/mem", "", isDirect);
             for (int edge = 0; edge < 400 && !HasFailure(); ++edge) {
                 memory.Clock();
             }

@@ -2,8 +2,10 @@
 // purpose, in random order, all compared with the models.
 //
 // usage: soak [SECONDS [SEED]]
+#include <malloc.h>
 #include <unistd.h>
 
+#include <bitset>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/elftovexon/elfbuilder.h"
 #include "tests/flimemory/library.h"
 #include "tests/flimemory/loadmodel.h"
 #include "tests/flimemory/logictext.h"
@@ -29,6 +32,8 @@ std::size_t ResidentKiB() {
     return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / 1024;
 }
 
+constexpr std::size_t WARM_UP = 20; // restarts, after which all that stays is there
+
 class CSoak {
 public:
     CSoak() : m_Random(g_Seed) {}
@@ -41,6 +46,8 @@ public:
             ++m_Operations;
         }
         EXPECT_TRUE(m_Simulator.m_Lent.empty());
+        Restart();
+        CheckResident();
         std::cout << m_Operations << " operations, " << m_Restarts << " restarts, " << m_Loads << " loads, seed "
                   << g_Seed << "; " << ResidentKiB() << " KiB resident at the end\n";
     }
@@ -75,7 +82,8 @@ private:
         shape.m_Synchronous = m_Random() % 2 == 0;
         const std::string name = "u" + std::to_string(m_Memories.size());
         m_Memories.push_back(
-            std::make_unique<CTestedMemory>(m_Simulator, m_Random, shape, "tb/" + name + ".mem", name + "."));
+            std::make_unique<CTestedMemory>(m_Simulator, m_Random, shape, "tb/" + name + ".mem", name + ".",
+                                            m_Random() % 2 == 0));
         m_Names.push_back("tb_" + name + "_mem");
         m_Simulator.TakeLog();
     }
@@ -86,6 +94,20 @@ private:
         m_Memories.clear();
         m_Names.clear();
         ++m_Restarts;
+        if (m_Restarts == WARM_UP) {
+            malloc_trim(0);
+            m_ResidentAtFirst = ResidentKiB();
+        }
+    }
+
+    /// Memory does not grow with the run. Sanitizers hold back what is given free.
+    void CheckResident() const {
+#ifndef __SANITIZE_ADDRESS__
+        malloc_trim(0);
+        if (m_Restarts > 2 * WARM_UP) {
+            EXPECT_LT(ResidentKiB(), m_ResidentAtFirst + 2048) << "after " << m_Restarts << " restarts";
+        }
+#endif
     }
 
     /// Loads a new image into some memory through a window, and knows what that does to its cells.
@@ -94,9 +116,13 @@ private:
         CMemoryModel& model = m_Memories[index]->m_Model;
         const auto width = static_cast<int>(model.m_Shape.m_ByteBitWidth);
         ObjectFile::CObjectFile image;
-        AddRandomSections(image, m_Random, width, 1);
         const std::string file = m_File + std::to_string(m_Loads++); // a name is read once
-        ASSERT_TRUE(image.SaveFile(file));
+        if (width == 8 && m_Random() % 2 == 0) {
+            std::ofstream(file, std::ios::binary) << RandomElf(image);
+        } else {
+            AddRandomSections(image, m_Random, width, 1);
+            ASSERT_TRUE(image.SaveFile(file));
+        }
         const CWindow window = RandomWindow(m_Random);
         EntryPoint(marlune_dpi_memory_init, "marlune_dpi_memory_init")((m_Names[index] + ".RAM").c_str(), file.c_str(),
                                                                        "ram", window.m_CellBase, window.m_Low,
@@ -106,6 +132,22 @@ private:
         }
         ASSERT_TRUE(m_Simulator.TakeLog().empty());
         std::remove(file.c_str());
+    }
+
+    /// An executable of bytes, and the same as an image.
+    std::string RandomElf(ObjectFile::CObjectFile& image) {
+        constexpr std::uint64_t RAM = 1;
+        CElfBuilder elf({{"rom", 32, 8, 1}, {"ram", 32, 8, 1}});
+        std::string bytes, bits;
+        for (auto left = 4 * (m_Random() % 8); left > 0; --left) {
+            const auto byte = static_cast<unsigned char>(m_Random());
+            bytes += static_cast<char>(byte);
+            bits += std::bitset<8>(byte).to_string();
+        }
+        const auto address = m_Random() % 40;
+        elf.Add(".data", SHT_PROGBITS, RAM << 32 | SHF_WRITE | SHF_ALLOC, address, bytes);
+        AddSection(image, address, bits, 8, 1);
+        return elf.Bytes();
     }
 
     void Access() {
@@ -172,6 +214,7 @@ private:
     std::size_t m_Operations = 0;
     std::size_t m_Restarts = 0;
     std::size_t m_Loads = 0;
+    std::size_t m_ResidentAtFirst = 0; // KiB, after WARM_UP restarts
 };
 
 TEST(Soak, AgreesWithTheModels) {

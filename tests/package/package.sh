@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Installs into an empty prefix, builds a consumer against it and runs the Verilator example from what is there.
+# Installs into an empty prefix, builds a consumer against it and runs the processor from what is there.
 #
 # usage: package.sh BUILD-FOLDER WORK-FOLDER CMAKE GENERATOR COMPILER FLAGS
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 build=$1 cmake=$3
-mkdir -p "$2/libraries" # where the example's model stays, for building it takes long
+mkdir -p "$2/example" # stays, for building the model takes long
 work=$(cd "$2" && pwd)
 rm -rf "$work/prefix" "$work/consumer"
 
@@ -31,6 +31,9 @@ fi
 contents=$(cd "$work/prefix" && find . -type f -print0 | sort -z | xargs -0 sha256sum | sha256sum)
 [[ -f $work/passed && $(< "$work/passed") == "$contents" ]] && exit 0
 command -v verilator > /dev/null && [[ $6 != *-m32* ]] || { echo "no verilator: the example is left out"; exit 0; }
-ln -sf "$(dirname "$(head -n 1 "$work/consumer/paths.txt")")"/*.so "$work/libraries/"
-"$work/prefix/share/marlune_fli_memory/examples/verilator/run.sh" "$work/libraries"
+simulators=(verilator)
+command -v vvp > /dev/null && simulators+=(icarus)
+libraries=$(dirname "$(head -n 1 "$work/consumer/paths.txt")")
+PATH=$work/prefix/bin:$PATH "$work/prefix/share/marlune_fli_memory/examples/riscv/run.sh" "$libraries" \
+    "${simulators[@]}" --into "$work/example"
 echo "$contents" > "$work/passed"

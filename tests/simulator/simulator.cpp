@@ -64,7 +64,7 @@ mtiSignalIdT CSimulator::AddSignal(const std::string& name, int length) {
 mtiSignalIdT CSimulator::AddSignal(const std::string& name, mtiTypeKindT kind, mtiTypeKindT elementKind) {
     m_Types.push_back({elementKind});
     m_Types.push_back({kind, 1, &m_Types.back()});
-    return &(m_Signals[name] = {name, &m_Types.back(), std::string(1, '\0'), {}});
+    return &(m_Signals[name] = {{}, name, &m_Types.back(), std::string(1, '\0'), {}});
 }
 
 mtiSignalIdT CSimulator::Signal(const std::string& name) {

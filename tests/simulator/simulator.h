@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "mti.h"
+#include "src/flimemory/direct.h"
 
 // The handle types of the interface are this simulator's own records.
 struct mtiTypeIdTag {
@@ -23,6 +24,7 @@ struct mtiProcessIdTag {
     void* m_Argument;
 };
 struct mtiSignalIdTag {
+    marlune_direct_signal m_Place{}; // where direct calls have the value
     std::string m_Name;
     mtiTypeIdT m_Type;
     std::string m_Value; // one enumeration position per element
