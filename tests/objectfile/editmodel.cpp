@@ -109,7 +109,9 @@ public:
             &CEdits::ChangeWord,    &CEdits::Organize,      &CEdits::AddBinary};
         while (!m_Bytes.empty()) {
             (this->*Pick(OPERATIONS))();
-            CompareRecords();
+            if (m_Bytes.size() % 4 == 0) { // which costs more than an operation
+                CompareRecords();
+            }
         }
         for (CModelSection& section : m_Sections) {
             CompareData(*section.m_Section->GetSectionData(), section.m_Data);
