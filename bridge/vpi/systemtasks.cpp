@@ -45,8 +45,8 @@ public:
         if (index >= m_Arguments.size()) {
             return otherwise;
         }
-        const t_vpi_vecval* records = GetRecords(index);
-        for (PLI_INT32 record = 0; record * RECORD_BITS < GetSize(index); ++record) {
+        const std::vector<t_vpi_vecval> records = GetRecords(index);
+        for (std::size_t record = 0; record < records.size(); ++record) {
             if (records[record].bval != 0 || (record > 0 && records[record].aval != 0)) {
                 Refuse(index, "must be a number of 32 bits without X and Z");
             }
@@ -56,9 +56,8 @@ public:
 
     CCellValue GetCellValue(std::size_t index) const {
         CCellValue value{};
-        const t_vpi_vecval* records = GetRecords(index);
-        const auto count = static_cast<std::size_t>((GetSize(index) + RECORD_BITS - 1) / RECORD_BITS);
-        std::copy_n(records, std::min(count, value.size()), value.begin());
+        const std::vector<t_vpi_vecval> records = GetRecords(index);
+        std::copy_n(records.begin(), std::min(records.size(), value.size()), value.begin());
         return value;
     }
 
@@ -80,10 +79,23 @@ public:
     }
 
 private:
-    const t_vpi_vecval* GetRecords(std::size_t index) const {
+    /// Icarus leaves bits of something else above an expression's own in the last record. An expression of the type
+    /// string has no records, which shows only now.
+    std::vector<t_vpi_vecval> GetRecords(std::size_t index) const {
         t_vpi_value value{vpiVectorVal, {nullptr}};
         vpi_get_value(m_Arguments[index], &value);
-        return value.value.vector;
+        if (value.format != vpiVectorVal) {
+            Refuse(index, "must be a number");
+        }
+        const PLI_INT32 size = GetSize(index);
+        std::vector<t_vpi_vecval> records(value.value.vector,
+                                          value.value.vector + (size + RECORD_BITS - 1) / RECORD_BITS);
+        if (size % RECORD_BITS != 0) {
+            const std::uint32_t own = (std::uint32_t{1} << (size % RECORD_BITS)) - 1;
+            records.back().aval &= own;
+            records.back().bval &= own;
+        }
+        return records;
     }
 
     vpiHandle m_Call;

@@ -85,7 +85,9 @@ module processor #(
       3'd2: calculate = {31'h0, $signed(a) < $signed(b)};
       3'd3: calculate = {31'h0, a < b};
       3'd4: calculate = a ^ b;
-      3'd5: calculate = modified ? $signed(a) >>> b[4:0] : a >> b[4:0];
+      3'd5:  // not in one expression, in which neither would have a sign
+        if (modified) calculate = $signed(a) >>> b[4:0];
+        else calculate = a >> b[4:0];
       3'd6: calculate = a | b;
       default: calculate = a & b;
     endcase

@@ -64,29 +64,28 @@ missing_tool() {
     fi
 }
 
-# program.vexon for the memory of 32-bit words, data.vexon for the banks of bytes. Each has its own sections only: the others
-# would not fit.
+# The program in the words of its memory, and in the bytes of the banks. Both hold all of it: a load leaves out what lies below
+# its base or beyond the memory.
 make_images() {
     local riscv=riscv64-unknown-elf
     $riscv-as -march=rv32i -mabi=ilp32 "$here/program.s" -o program.o
     $riscv-ld -m elf32lriscv -T "$here/program.ld" program.o -o program.elf
-    $riscv-objcopy -j .text program.elf text.elf
-    $riscv-objcopy -R .text program.elf data.elf
-    "$tool" convert text.elf program.vexon --space program --width 32
-    "$tool" convert data.elf data.vexon --space data --width 8 --base 0x10000
+    "$tool" convert program.elf program.vexon --space program --width 32
+    "$tool" convert program.elf data.vexon --space data --width 8
 }
 
 # What loads plain arrays.
 make_readmemh_files() {
     "$tool" dump program.vexon --space program --width 32 --size 4096 --format readmemh -o program.mem
-    "$tool" dump data.vexon --space data --width 8 --size 16384 --format readmemh -o data.mem
+    "$tool" dump data.vexon --space data --width 8 --low 0x10000 --size 16384 --format readmemh -o data.mem
 }
 
 # Verilator and make refuse blanks and the like in paths: links take their place, in a folder in /tmp where needed.
 build_verilator() {
-    local folder=$work/model memories=(source/hdl/marlune_dpi.sv source/hdl/marlune_memory.sv
+    local memories=(source/hdl/marlune_dpi.sv source/hdl/marlune_memory.sv
         -LDFLAGS "-Llib -lmarlune_direct -lmarlune_fli_memory")
     [[ -z $native ]] || memories=(source/examples/riscv/native_memory.sv -DNATIVE)
+    folder=$work/model
     if [[ $folder =~ [^A-Za-z0-9_./+-] ]]; then
         folder=$(mktemp -d /tmp/marlune-example.XXXXXX)
         trap 'rm -rf "$folder"' EXIT
@@ -140,7 +139,7 @@ fi
 
 loads=(+marlune_load="processor_tb.cpu.program_memory,$work/program.vexon,program")
 for bank in 0 1 2 3; do
-    loads+=(+marlune_load="processor_tb.cpu.banks[$bank].bank,$work/data.vexon,data,0,$bank/4")
+    loads+=(+marlune_load="processor_tb.cpu.banks[$bank].bank,$work/data.vexon,data,0x10000,$bank/4")
 done
 for simulator in "${simulators[@]}"; do
     echo "  $simulator, loaded by the test bench:"
