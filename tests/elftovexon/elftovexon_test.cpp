@@ -1,3 +1,4 @@
+// ELF files: reading, checks and conversion.
 #include "elftovexon/elftovexon.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The editing operations of the object model against plain lists.
 #include "tests/objectfile/editmodel.h"
 
 #include <algorithm>

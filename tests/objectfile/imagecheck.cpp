@@ -1,3 +1,4 @@
+// Checks that any image must pass.
 #include "tests/objectfile/imagecheck.h"
 
 #include <algorithm>
