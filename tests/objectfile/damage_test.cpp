@@ -123,8 +123,9 @@ TEST_F(CDamage, LongAndIrregularText) {
     lines[30] = saved[30] = "32\t// first line of section data";
     for (unsigned i = 0; i < 40000; ++i) { // several buffers of lines
         const std::string digits = ConvUnsignToBin(std::uint64_t{i} * 2654435761U, i % 5000 == 17 ? 2 : 32);
-        lines.push_back(digits + (i % 5000 == 17 ? "\t// short" : i % 999 == 0 ? "\r" : ""));
-        saved.push_back(digits + (i % 5000 == 17 ? "\t" : ""));
+        const std::string rest = i % 5000 == 17 ? "\t" : i % 5000 == 18 ? "\rx" : "";
+        lines.push_back(digits + rest + (i % 5000 == 17 ? "// short" : i % 999 == 0 ? "\r" : ""));
+        saved.push_back(digits + rest);
     }
     EXPECT_EQ(Outcome(CTestFile(), Join(lines)), "loaded");
     EXPECT_TRUE(Save(*Load(Join(lines))) == Join(saved));
