@@ -134,7 +134,7 @@ private:
                     return;
                 }
             } catch (const std::out_of_range&) {
-                Error(section.GetName(), where + " lies behind the end of its line, where a load stops");
+                Error(section.GetName(), where + " lies beyond the end of its line, where a load stops");
                 return;
             }
         }

@@ -26,7 +26,7 @@ struct SPiece {
 struct SSpace {
     std::string m_Name;
     std::vector<SPiece> m_Pieces;
-    std::uint64_t m_End = 0;   // behind the highest address in use
+    std::uint64_t m_End = 0;   // after the highest address in use
     std::uint64_t m_InUse = 0; // LAUs that are not in gaps
     std::uint64_t m_Scale = 0; // the length of the scale: of all pieces, with gaps shortened
 
