@@ -1,3 +1,4 @@
+// `check`: what is wrong with a file, and what a load would refuse or leave out.
 #include <array>
 #include <iostream>
 #include <limits>

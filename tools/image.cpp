@@ -1,3 +1,4 @@
+// Opens any program or image that the tool reads.
 #include "tools/image.h"
 
 #include <algorithm>

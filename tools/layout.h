@@ -1,3 +1,4 @@
+// The sections of a file by their addresses.
 #ifndef MARLUNE_TOOLS_LAYOUT_H
 #define MARLUNE_TOOLS_LAYOUT_H
 

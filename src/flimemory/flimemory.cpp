@@ -1,3 +1,4 @@
+// The library's entry points, and the registry of all that a run has.
 #include "src/flimemory/flimemory.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// Turns the path of an instance into the name of its memory.
 #include "src/flimemory/projectname.h"
 
 #include <cctype>

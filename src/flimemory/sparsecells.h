@@ -1,3 +1,4 @@
+// The cells of a sparse memory.
 #ifndef MARLUNE_FLIMEMORY_SPARSECELLS_H
 #define MARLUNE_FLIMEMORY_SPARSECELLS_H
 
