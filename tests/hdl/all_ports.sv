@@ -1,4 +1,5 @@
-// A copy of hdl/marlune_memory.sv with two read ports, a write port and a shared port. common.sh appends what is the same for all copies.
+// A copy of hdl/marlune_memory.sv with two read ports, a write port and a shared port. common.sh appends what is the
+// same for all copies.
 /* verilator lint_off TIMESCALEMOD */
 module all_ports #(
     parameter ADDRESS_BITS = 4,

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# The library for direct calls and VPI has each function of the foreign language interface that the memory library needs.
-# It needs only functions of the memory library, the C library and the loader. Those of VPI are weak: a program that calls
-# it directly has none.
+# The library for direct calls and VPI has each function of the foreign language interface that the memory library
+# needs. It needs only functions of the memory library, the C library and the loader. Those of VPI are weak: a program
+# that calls it directly has none.
 #
 # usage: bridge_symbols.sh DIRECT-LIBRARY MEMORY-LIBRARY NM
 set -euo pipefail

@@ -1,5 +1,7 @@
-# For the scripts of this folder, which take BUILD-FOLDER first: changes to an empty folder. The paths have no blanks, which
-# Verilator and make do not take.
+# shellcheck shell=bash
+# shellcheck disable=SC2034,SC2016 # for the scripts that source this file
+# For the scripts of this folder, which take BUILD-FOLDER first: changes to an empty folder. The paths have no blanks,
+# which Verilator and make do not take.
 set -euo pipefail
 sources=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 libraries=$(cd "$1" && pwd)
@@ -30,17 +32,19 @@ check_options() {
     expect 0 "$pattern: name *, mode 0, width 8, size 16, read port r, write port w" "${@:2}" +marlune_list \
         "+marlune_load=$path,image.vexon,data,0x1000,1/2" "+marlune_dump=$path,cells,2,4"
     [[ $(tr '\n' '|' < cells) == "$cells" ]] || fail "$(< cells)"
-    expect 0 "warning: '$pattern': Nothing was loaded from 'image.vexon': *'dta'. It has address spaces 'data', 'high'." \
+    expect 0 "warning: '$pattern': Nothing was loaded from 'image.vexon': *It has address spaces 'data', 'high'." \
         "${@:2}" "+marlune_load=$path,image.vexon,dta"
 
     expect 1 "'+marlune_lod=x': there is no such option. The options are +marlune_load=PATH," "${@:2}" +marlune_lod=x
     expect 1 "Option '+marlune_load=$pattern': a path and a file are needed" "${@:2}" "+marlune_load=$path"
     expect 1 "': '1k' is not a number of 32 bits." "${@:2}" "+marlune_load=$path,image.vexon,data,1k"
+    expect 1 "': '3' is not of the form BANK/BANKS." "${@:2}" "+marlune_load=$path,image.vexon,data,0,3"
+    expect 1 "': the bank must be below the number of banks." "${@:2}" "+marlune_load=$path,image.vexon,data,0,2/2"
     expect 1 "a first address only with a last one" "${@:2}" "+marlune_dump=$path,cells,1"
     expect 1 "There is no memory 'nowhere', which the command line names. The memories are: '" "${@:2}" \
         +marlune_dump=nowhere,cells
     expect 1 "fatal error: '$pattern': File 'missing' could not be opened." "${@:2}" "+marlune_load=$path,missing,data"
-    expect 1 "fatal error: '$pattern': File './no/cells' could not be written." "${@:2}" "+marlune_dump=$path,./no/cells"
+    expect 1 "fatal error: '$pattern': File 'no/cells' could not be written." "${@:2}" "+marlune_dump=$path,no/cells"
     expect 1 "'image.vexon' does not have just one address space to load" "${@:2}" "+marlune_load=$path,image.vexon"
 }
 
@@ -71,5 +75,6 @@ verilate() {
     verilator --top-module "$1" --Mdir "$1" \
         "$root/hdl/marlune_dpi.sv" "$root/hdl/marlune_memory.sv" "${@:2}" \
         -LDFLAGS "-L$work/libraries -Wl,-rpath,$work/libraries -lmarlune_direct -lmarlune_fli_memory" \
-        -MAKEFLAGS "OPT_FAST=-O0 OPT_SLOW=-O0 OPT_GLOBAL=-O0" > "$1.log" 2>&1 || fail "$(grep -A 3 -E '^%|error' "$1.log")"
+        -MAKEFLAGS "OPT_FAST=-O0 OPT_SLOW=-O0 OPT_GLOBAL=-O0" > "$1.log" 2>&1 ||
+        fail "$(grep -A 3 -E '^%|error' "$1.log")"
 }

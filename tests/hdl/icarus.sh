@@ -25,9 +25,14 @@ refuse() {
     expect 1 "fatal error: calls_tb.v:1: \$marlune_$1" run calls_tb.vvp
 }
 
-refuse "poke takes (path, address, value)." '$marlune_poke("calls_tb.m", 1)'
-refuse "load_image takes (path, file, space *" '$marlune_load_image("m", "file", "space", 0, 1)'
-refuse "load_bank takes (path, file, space, bank, banks *" '$marlune_load_bank("m", "file", "space", 1)'
-refuse "poke argument 2 must not be real" '$marlune_poke("m", r, 1)'
-refuse "peek argument 3 must be a whole variable" '$marlune_peek("m", 1, v[i +: 4])'
-refuse "peek argument 3 must be a whole variable" '$marlune_peek("m", 1, v + 1)'
+# shellcheck disable=SC2016 # the dollar signs are Verilog's
+{
+    refuse "poke takes (path, address, value)." '$marlune_poke("calls_tb.m", 1)'
+    refuse "load_image takes (path, file, space *" '$marlune_load_image("m", "file", "space", 0, 1)'
+    refuse "load_bank takes (path, file, space, bank, banks *" '$marlune_load_bank("m", "file", "space", 1)'
+    refuse "poke argument 2 must not be real" '$marlune_poke("m", r, 1)'
+    refuse "poke argument 2 must be a number of 32 bits without X and Z" '$marlune_poke("m", 4'"'"'bx, 1)'
+    refuse "poke argument 2 must be a number of 32 bits" '$marlune_poke("m", 33'"'"'h100000000, 1)'
+    refuse "peek argument 3 must be a whole variable" '$marlune_peek("m", 1, v[i +: 4])'
+    refuse "peek argument 3 must be a whole variable" '$marlune_peek("m", 1, v + 1)'
+}

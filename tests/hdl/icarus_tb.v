@@ -1,5 +1,5 @@
-// Icarus Verilog runs memories through the bridge: the widest data there is in both modes, inputs that change in the edge's own
-// time step, an address that follows Q0 within it, outputs in every kind of expression, and the system tasks.
+// Icarus Verilog runs memories through the bridge: the widest data there is in both modes, inputs that change in the
+// edge's own time step, an address that follows Q0 within it, outputs in all kinds of expressions, the system tasks.
 module pass #(parameter BITS = 8) (input [BITS-1:0] in, output [BITS-1:0] out);
   assign out = in;
 endmodule
@@ -90,7 +90,7 @@ module icarus_tb;
     compare(longest, 40'h3311223344);
   end
 
-  // The write recorded at the edge before is committed first, and what counts is the inputs' last value at the edge's time.
+  // The write recorded at the edge before is committed first; what counts is the inputs' last value at the edge's time.
   reg  [1023:0] cells[0:15], sampled = 0, asynchronous, recorded_data;
   reg           recorded = 0;
   reg  [3:0]    recorded_address;

@@ -1,12 +1,12 @@
-// Which mode is a RAM: the rows of the table in docs/memories.md, and what differs from an array there. For two simulators,
-// with a waveform.
+// Which mode is a RAM: the rows of the table in docs/memories.md, and what differs from an array there. For two
+// simulators, with a waveform.
 
 module ports #(parameter MODE = 0) (
     input clk, input [3:0] read_address, output [7:0] q, input write, input [3:0] write_address, input [7:0] data,
     input select, shared_write, input [3:0] address, output [7:0] shared_q);
   all_ports #(.MODE(MODE)) memory (
-      clk, 1'b1, read_address, q, 2'd1, 4'd0, , {1'b0, write}, write_address, data, select, shared_write, address, ~data,
-      shared_q);
+      clk, 1'b1, read_address, q, 2'd1, 4'd0, , {1'b0, write}, write_address, data,
+      select, shared_write, address, ~data, shared_q);
 endmodule
 
 // The memory beside the RTL that it replaces.

@@ -1,4 +1,4 @@
--- A memory with two read ports, a write port and a shared port in three architectures: a foreign one, one that is served by
+-- A memory with two read ports, a write port and a shared port in three architectures: a foreign one, one served by
 -- direct calls, and a model that has nothing in common with the library but the rules.
 
 library ieee;
@@ -28,7 +28,8 @@ end entity;
 use work.marlune_fli.all;
 
 architecture fli of all_ports is
-  constant foreign_bits : std_logic_vector := to_bits("marlune_fli_memory_init libmarlune_fli_memory.so; " & parameters);
+  constant init         : string := "marlune_fli_memory_init libmarlune_fli_memory.so; ";
+  constant foreign_bits : std_logic_vector := to_bits(init & parameters);
   signal marlune_foreign : std_logic_vector(foreign_bits'range) := foreign_bits;
 begin
 end architecture;
@@ -40,12 +41,14 @@ begin
   process (CLK, d_CS0, d_WE0, c_WE0, a_RA0, b_RA0, c_WA0, d_A0, c_D0, d_D0)
     constant A : string := ":" & integer'image(ADDRESS_BITS) & " ";
     constant D : string := ":" & integer'image(DATA_BITS) & " ";
-    variable memory : integer := open_memory(CLK'path_name, parameters, "a_RE0 d_CS0 d_WE0 b_RE0:2 c_WE0:2 a_RA0" & A & "b_RA0"
-      & A & "c_WA0" & A & "d_A0" & A & "c_D0" & D & "d_D0" & D & "a_Q0" & D & "d_Q0" & D & "b_Q0");
+    variable memory : integer := open_memory(CLK'path_name, parameters, "a_RE0 d_CS0 d_WE0 b_RE0:2 c_WE0:2 " &
+      "a_RA0" & A & "b_RA0" & A & "c_WA0" & A & "d_A0" & A & "c_D0" & D & "d_D0" & D &
+      "a_Q0" & D & "d_Q0" & D & "b_Q0");
     variable outputs : std_logic_vector(2 * DATA_BITS downto 0);
     variable changed : boolean;
   begin
-    wake(memory, now, CLK, a_RE0 & d_CS0 & d_WE0 & b_RE0 & c_WE0 & a_RA0 & b_RA0 & c_WA0 & d_A0 & c_D0 & d_D0, outputs, changed);
+    wake(memory, now, CLK, a_RE0 & d_CS0 & d_WE0 & b_RE0 & c_WE0 & a_RA0 & b_RA0 & c_WA0 & d_A0 & c_D0 & d_D0,
+      outputs, changed);
     if changed then
       (a_Q0, d_Q0, b_Q0) <= outputs;
     end if;

@@ -1,5 +1,5 @@
-// Memories in generate loops, instance arrays, under escaped names and several levels deep, with computed parameters or the
-// default ones: each is reached by its path before the first initial block ends, and has its own cells at its ports.
+// Memories in generate loops, instance arrays, under escaped names and several levels deep, with computed parameters or
+// the default ones: each is reached by its path at time 0, and has its own cells at its ports.
 package sizes;
   localparam int ADDRESS_BITS = 4, BANKS = 3;
   localparam PARAMETERS = "0 8 16";

@@ -54,8 +54,8 @@ module shape #(
   wire inputs_t i;
   assign i = inputs_of(stimulus, q);
   all_ports #(A, D, $sformatf("%0d %0d %0d", SYNCHRONOUS, LAU, CELLS)) memory (
-      clk, stimulus.flags[0], i.a_ra, q.a, {2{stimulus.flags[5]}}, i.b_ra, q.b, i.c_we, i.c_wa, i.c_d, i.d_cs, i.d_we, i.d_a,
-      i.d_d, q.d);
+      clk, stimulus.flags[0], i.a_ra, q.a, {2{stimulus.flags[5]}}, i.b_ra, q.b, i.c_we, i.c_wa, i.c_d,
+      i.d_cs, i.d_we, i.d_a, i.d_d, q.d);
 
   // ---- The model ----
 
@@ -94,8 +94,8 @@ module shape #(
     pending = 0;
   endfunction
 
-  // What counts is whether CLK has risen, not the order of its change and the inputs'. At such an edge the inputs from before
-  // it are served first, and then those that it ends with.
+  // What counts is whether CLK has risen, not the order of its change and the inputs'. At such an edge the inputs from
+  // before it are served first, and then those that it ends with.
   function automatic void evaluate();
     bit has_changed = inputs_of(stimulus, expected) != earlier;
     bit is_edge = now > 0 && (rose || (was_high && !was_edge && has_changed));
