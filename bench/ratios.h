@@ -1,3 +1,4 @@
+// Prints the ratios of benchmarks to each other, beside what is aimed at.
 #ifndef MARLUNE_BENCH_RATIOS_H
 #define MARLUNE_BENCH_RATIOS_H
 

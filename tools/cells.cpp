@@ -1,3 +1,4 @@
+// Fills cells as a load would.
 #include "tools/cells.h"
 
 #include <algorithm>

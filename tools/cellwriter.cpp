@@ -1,3 +1,4 @@
+// Writes cells in the formats that `dump` offers.
 #include "tools/cellwriter.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// `check`: what is wrong with a file, and what a load would refuse or leave out.
 #include <array>
 #include <iostream>
 #include <limits>
@@ -134,7 +135,7 @@ private:
                     return;
                 }
             } catch (const std::out_of_range&) {
-                Error(section.GetName(), where + " lies behind the end of its line, where a load stops");
+                Error(section.GetName(), where + " lies beyond the end of its line, where a load stops");
                 return;
             }
         }

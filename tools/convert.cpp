@@ -1,3 +1,4 @@
+// `convert`: makes a text object file of a program.
 #include <cerrno>
 
 #include "tools/commands.h"

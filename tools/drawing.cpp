@@ -1,3 +1,4 @@
+// Draws maps for the terminal and as SVG.
 #include "tools/drawing.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Pictures of address spaces.
 #ifndef MARLUNE_TOOLS_DRAWING_H
 #define MARLUNE_TOOLS_DRAWING_H
 

@@ -1,3 +1,4 @@
+// `dump`: the cells as a load fills them.
 #include <iostream>
 
 #include "tools/cells.h"

@@ -1,3 +1,4 @@
+// The file that a command works on.
 #ifndef MARLUNE_TOOLS_IMAGE_H
 #define MARLUNE_TOOLS_IMAGE_H
 

@@ -1,3 +1,4 @@
+// `info`: what is in a file.
 #include <iostream>
 
 #include "tools/commands.h"

@@ -1,3 +1,4 @@
+// Where the sections of each address space lie.
 #include "tools/layout.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The sections of a file by their addresses.
 #ifndef MARLUNE_TOOLS_LAYOUT_H
 #define MARLUNE_TOOLS_LAYOUT_H
 
@@ -26,7 +27,7 @@ struct SPiece {
 struct SSpace {
     std::string m_Name;
     std::vector<SPiece> m_Pieces;
-    std::uint64_t m_End = 0;   // behind the highest address in use
+    std::uint64_t m_End = 0;   // after the highest address in use
     std::uint64_t m_InUse = 0; // LAUs that are not in gaps
     std::uint64_t m_Scale = 0; // the length of the scale: of all pieces, with gaps shortened
 

@@ -1,3 +1,4 @@
+// `lines`: which source line is at which address.
 #include <iostream>
 
 #include "tools/commands.h"

@@ -1,3 +1,4 @@
+// `map`: a picture of each address space.
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>

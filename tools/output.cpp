@@ -1,3 +1,4 @@
+// Replaces files whole or not at all.
 #include "tools/output.h"
 
 #include <atomic>

@@ -1,3 +1,4 @@
+// Where a command writes.
 #ifndef MARLUNE_TOOLS_OUTPUT_H
 #define MARLUNE_TOOLS_OUTPUT_H
 

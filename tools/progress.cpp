@@ -1,3 +1,4 @@
+// Shows on a terminal how far a long command has come.
 #include "tools/progress.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Progress of a long command.
 #ifndef MARLUNE_TOOLS_PROGRESS_H
 #define MARLUNE_TOOLS_PROGRESS_H
 

@@ -1,3 +1,4 @@
+// `symbols`: a file's symbols.
 #include <array>
 #include <iostream>
 

@@ -1,3 +1,4 @@
+// Tables for the terminal, and the same as JSON.
 #include "tools/table.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Texts as the tool prints and reads them.
 #include "tools/text.h"
 
 namespace marlune::tool {

@@ -1,3 +1,4 @@
+// Counts what operator new gives.
 #include "bench/flimemory/allocations.h"
 
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// How many allocations a benchmark makes.
 #ifndef MARLUNE_BENCH_FLIMEMORY_ALLOCATIONS_H
 #define MARLUNE_BENCH_FLIMEMORY_ALLOCATIONS_H
 

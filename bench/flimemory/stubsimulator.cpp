@@ -1,3 +1,4 @@
+// The functions of the foreign language interface, for benchmarks.
 #include "bench/flimemory/stubsimulator.h"
 
 #include <cstdarg>

@@ -1,3 +1,4 @@
+// A simulator that costs next to nothing, for benchmarks of the library itself.
 #ifndef MARLUNE_BENCH_FLIMEMORY_STUBSIMULATOR_H
 #define MARLUNE_BENCH_FLIMEMORY_STUBSIMULATOR_H
 

@@ -1,3 +1,4 @@
+// Reads the +marlune_ options.
 #include "bridge/core/commandline.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// Prints errors and warnings, and ends the simulation.
 #include "bridge/core/failure.h"
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// Loads foreign libraries and makes the interface visible to them.
 #include "bridge/core/foreignlibrary.h"
 
 #include <dlfcn.h>

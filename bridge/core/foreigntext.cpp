@@ -1,3 +1,4 @@
+// Splits the text of a foreign attribute.
 #include "bridge/core/foreigntext.h"
 
 namespace marlune::bridge {

@@ -1,3 +1,4 @@
+// Looks for what a user may have meant otherwise, and says so.
 #include "bridge/core/instancereport.h"
 
 #include <algorithm>

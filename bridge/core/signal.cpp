@@ -1,3 +1,4 @@
+// The types of ports.
 #include "bridge/core/signal.h"
 
 namespace {

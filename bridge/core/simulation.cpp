@@ -1,3 +1,4 @@
+// Elaborates instances, runs their processes, and does what the command line asks for.
 #include "bridge/core/simulation.h"
 
 #include <csignal>

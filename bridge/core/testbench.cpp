@@ -1,3 +1,4 @@
+// Finds memories by their paths, and loads, reads, writes and dumps them.
 #include "bridge/core/testbench.h"
 
 #include <cstdio>

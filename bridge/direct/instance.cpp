@@ -1,3 +1,4 @@
+// Lays out the ports of a directly served instance, and elaborates it.
 #include "bridge/direct/instance.h"
 
 #include <algorithm>

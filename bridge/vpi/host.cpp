@@ -1,3 +1,4 @@
+// What all simulators with VPI have in common: the walk through the design, and waking processes.
 #include "bridge/vpi/host.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Reads and assigns values as VPI passes them: texts of digits.
 #include "bridge/vpi/signal.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// System tasks by which a test bench without DPI reaches the memories.
 #include "bridge/vpi/systemtasks.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // A processor for the instructions of RV32I: two clock cycles for an instruction, three for a load.
 //
-// The program memory has 32-bit words from address 0 on, where the processor starts. The data memory begins at DATA_BASE. It
-// is of bytes, interleaved over four banks, so that an aligned word is one cell of each and a store of a byte or a half
-// writes to some banks only.
+// The program memory has 32-bit words from address 0 on, where the processor starts. The data memory begins at
+// DATA_BASE. Its bytes are interleaved over four banks, so that an aligned word is one cell of each, and a store of a
+// byte or a half writes to some banks only.
 //
 // All memories are of mode 1: what a register assigns to an address at one edge of the clock is read for the next.
 //

@@ -3,7 +3,8 @@
 //
 //   +program=FILE +data=FILE  the images to load. Without them the memories hold what the command line gave them.
 //   +runs=N                   how many runs, 2 if not given
-//   +limit=N                  the cycles after which a run is given up
+//   +unchecked                runs another program once, and compares nothing
+//   +limit=N                  the cycles after which a run is given up, a million if not given
 module processor_tb;
   localparam [31:0] DATA_BASE = 32'h0001_0000;
 
@@ -25,7 +26,7 @@ module processor_tb;
   logic [31:0] words[0:4095];
   logic [ 7:0] bytes[0:16383];
 
-  task automatic load();
+  task automatic load;
     $readmemh(program_file, words);
     $readmemh(data_file, bytes);
     for (int i = 0; i < 4096; i++) cpu.program_memory.poke(i, words[i]);
@@ -108,9 +109,9 @@ module processor_tb;
   // ---- What program.s has in its data: parameters with their first values, and results. Offsets from DATA_BASE. ----
 
   localparam [31:0] SEED_AT = 'h00, BOARD_AT = 'h04, TEXT_AT = 'h08;
-  localparam [31:0] TEXT_LENGTH_AT = 'h80, TEXT_CRC_AT = 'h84, TABLE_CRC_AT = 'h88, SIGNED_BYTES_AT = 'h8C, BYTES_AT = 'h90,
-      SIGNED_HALVES_AT = 'h94, HALVES_AT = 'h98, ARITHMETIC_AT = 'h9C, PLACEMENTS_AT = 'hA0, SHOUTED_AT = 'hC1,
-      TABLE_AT = 'h100, SWAPPED_AT = 'h180;
+  localparam [31:0] TEXT_LENGTH_AT = 'h80, TEXT_CRC_AT = 'h84, TABLE_CRC_AT = 'h88, SIGNED_BYTES_AT = 'h8C,
+      BYTES_AT = 'h90, SIGNED_HALVES_AT = 'h94, HALVES_AT = 'h98, ARITHMETIC_AT = 'h9C, PLACEMENTS_AT = 'hA0,
+      SHOUTED_AT = 'hC1, TABLE_AT = 'h100, SWAPPED_AT = 'h180;
   localparam int COUNT = 32, ROUNDS = 32, TEXT_LENGTH = 59;
 
   logic [31:0] seed = 32'h2545F491;
@@ -192,6 +193,10 @@ module processor_tb;
     end
   endtask
 
+  task automatic compare_byte(input string what, input [31:0] offset, input [7:0] expected);
+    compare(what, offset, {24'h0, peek_byte(offset)}, {24'h0, expected});
+  endtask
+
   task automatic compare_word(input string what, input [31:0] offset, input [31:0] expected);
     compare(what, offset, peek_word(offset), expected);
   endtask
@@ -199,7 +204,7 @@ module processor_tb;
   task automatic compare_parameters;
     compare_word("seed", SEED_AT, seed);
     compare_word("board", BOARD_AT, board);
-    for (int i = 0; i < TEXT_LENGTH; i++) compare("text", TEXT_AT + i, {24'h0, peek_byte(TEXT_AT + i)}, {24'h0, character(i)});
+    for (int i = 0; i < TEXT_LENGTH; i++) compare_byte("text", TEXT_AT + i, character(i));
   endtask
 
   task automatic compare_results;
@@ -209,7 +214,7 @@ module processor_tb;
     for (int i = 0; i < TEXT_LENGTH; i++) begin
       shouted = character(TEXT_LENGTH - 1 - i);
       if (shouted >= "a" && shouted <= "z") shouted -= "a" - "A";
-      compare("shouted", SHOUTED_AT + i, {24'h0, peek_byte(SHOUTED_AT + i)}, {24'h0, shouted});
+      compare_byte("shouted", SHOUTED_AT + i, shouted);
       crc = crc_with(crc, character(i));
     end
     compare_word("text_length", TEXT_LENGTH_AT, TEXT_LENGTH);
@@ -262,16 +267,21 @@ module processor_tb;
 
   initial begin
     if ($value$plusargs("runs=%d", runs) == 0) runs = 2;
-    if ($value$plusargs("limit=%d", limit) == 0) limit = 10_000_000;
+    if ($value$plusargs("limit=%d", limit) == 0) limit = 1_000_000;
     if ($value$plusargs("program=%s", program_file) != 0 && $value$plusargs("data=%s", data_file) != 0) load();
-    for (int i = 0; i < runs; i++) begin
+    if ($test$plusargs("unchecked") != 0) begin
+      runs = 1;
+      run();
+    end else for (int i = 0; i < runs; i++) begin
       if (i > 0) change_parameters(i);
       compare_parameters();
-      run();
-      compare_results();
+      if (differ == 0) begin
+        run();
+        compare_results();
+      end
+      if (differ > 0) $fatal(1, "%0d of %0d values differ.", differ, compared);
     end
-    if (differ > 0) $fatal(1, "%0d of %0d values differ.", differ, compared);
-    $display("  runs: %0d, cycles: %0d, values compared: %0d, none differs", runs, all_cycles, compared);
+    $display("  runs: %0d, cycles: %0d, values compared: %0d, differ: 0", runs, all_cycles, compared);
     $finish;
   end
 endmodule

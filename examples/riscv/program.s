@@ -1,6 +1,6 @@
-# Works on numbers and text with every instruction of RV32I: loads and stores of each size at each offset in a word, a sort
-# and a search that call themselves, CRC-32 by a table that the program makes itself, and arithmetic. processor_tb.sv
-# computes the same in its own way and compares. The environment call at the end stops the processor.
+# Works on numbers and text with all instructions of RV32I but ebreak: loads and stores of each size at each offset in a
+# word, a sort and a search that call themselves, CRC-32 by a table that the program makes itself, and arithmetic.
+# processor_tb.sv computes the same in its own way and compares. The environment call at the end stops the processor.
 #
 # The test bench knows where the parameters and the results lie: they keep their places at the beginning of the data.
 

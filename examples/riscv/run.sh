@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
-# Assembles the program, converts it to images, and runs the processor in Verilator (by direct calls) and in Icarus Verilog
-# (through the bridge), in each once with memories that the test bench loads and once from the command line.
+# Assembles the program, converts it to images, and runs the processor in Verilator (by direct calls) and in Icarus
+# Verilog (through the bridge), in each once with memories that the test bench loads and once from the command line.
 #
 # usage: run.sh BUILD-FOLDER [verilator | icarus]... [--native] [--into FOLDER] [+ARGUMENT]...
 #
 #   BUILD-FOLDER  holds the libraries
 #   --native      with memories that are plain arrays, to compare the speed
-#   --into        where the results go: the images, and the designs as processor_tb (Verilator) and processor_tb.vvp. The
-#                 build folder's examples/riscv if not given, and with --native examples/riscv-native
+#   --into        where the results go: the images, and the designs as processor_tb (Verilator) and processor_tb.vvp.
+#                 If not given: the build folder's examples/riscv, and with --native examples/riscv-native
 #   +ARGUMENT     for the simulation: those of processor_tb.sv, and the library's
 #
-# Without an assembler for RISC-V, or without an image tool that reads its programs, the images beside this file are run.
+# Without an assembler for RISC-V, or an image tool that reads its programs, the images beside this file are run.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
@@ -64,8 +64,8 @@ missing_tool() {
     fi
 }
 
-# The program in the words of its memory, and in the bytes of the banks. Both hold all of it: a load leaves out what lies below
-# its base or beyond the memory.
+# The program in the words of its memory, and in the bytes of the banks. Both hold all of it: a load leaves out what
+# lies below its base or beyond the memory.
 make_images() {
     local riscv=riscv64-unknown-elf
     $riscv-as -march=rv32i -mabi=ilp32 "$here/program.s" -o program.o

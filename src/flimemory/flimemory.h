@@ -1,3 +1,4 @@
+// The library's entry points: what a simulator calls.
 #ifndef MARLUNE_FLIMEMORY_FLIMEMORY_H
 #define MARLUNE_FLIMEMORY_FLIMEMORY_H
 

@@ -1,3 +1,4 @@
+// Decides which cells get which LAUs of an image.
 #include "src/flimemory/loadplan.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Finds out why a load stored nothing.
 #include "src/flimemory/loadreport.h"
 
 namespace marlune::foreign {

@@ -1,3 +1,4 @@
+// Converts between cells and the vectors of DPI.
 #include "src/flimemory/logicvector.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Reads an instance's three parameters.
 #include "src/flimemory/parameters.h"
 
 #include <algorithm>

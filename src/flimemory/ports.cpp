@@ -1,3 +1,4 @@
+// Finds an instance's ports and sorts them into groups.
 #include "src/flimemory/ports.h"
 
 #include <algorithm>

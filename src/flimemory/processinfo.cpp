@@ -1,3 +1,4 @@
+// Decides what is a clock edge, and serves the ports at it.
 #include "src/flimemory/processinfo.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// The names by which a test bench knows memories.
 #ifndef MARLUNE_FLIMEMORY_PROJECTNAME_H
 #define MARLUNE_FLIMEMORY_PROJECTNAME_H
 

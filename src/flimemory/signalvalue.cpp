@@ -1,3 +1,4 @@
+// Reads and drives signals through the foreign language interface.
 #include "src/flimemory/signalvalue.h"
 
 #include <algorithm>

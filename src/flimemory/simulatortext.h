@@ -1,3 +1,4 @@
+// Texts as the simulator takes them: writable.
 #ifndef MARLUNE_FLIMEMORY_SIMULATORTEXT_H
 #define MARLUNE_FLIMEMORY_SIMULATORTEXT_H
 

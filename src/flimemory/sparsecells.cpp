@@ -1,3 +1,4 @@
+// Finds, makes and drops the blocks of sparse cells.
 #include "src/flimemory/sparsecells.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// What all storages share: out-of-range accesses and their messages.
 #include "src/flimemory/storage.h"
 
 #include <algorithm>

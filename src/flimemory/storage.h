@@ -1,3 +1,4 @@
+// The cells of a memory, dense or sparse, as ports and test benches see them.
 #ifndef MARLUNE_FLIMEMORY_STORAGE_H
 #define MARLUNE_FLIMEMORY_STORAGE_H
 

@@ -1,3 +1,4 @@
+// ELF files: reading, checks and conversion.
 #include "elftovexon/elftovexon.h"
 
 #include <algorithm>
@@ -104,6 +105,10 @@ TEST(ElfToVexon, ConvertsOneOfEverything) {
     CElfBuilder relocatable = Everything(); // whose symbols keep the address space in their names
     relocatable.m_Header.e_type = ET_REL;
     EXPECT_NE(LoadElf(relocatable)->GetSymbolTable(0)->FindSymbol(".text@rom"), nullptr);
+    CElfBuilder twice = Everything(); // an executable's lose only the last part
+    twice.Add(".a@b@rom", SHT_NOBITS, SHF_WRITE | SHF_ALLOC);
+    twice.AddSymbol("unused", STB_LOCAL, STT_SECTION, twice.Index(".a@b@rom"));
+    EXPECT_NE(LoadElf(twice)->GetSymbolTable(0)->FindSymbol(".a@b"), nullptr);
 }
 
 void AddOverlaps(CElfBuilder& elf) {

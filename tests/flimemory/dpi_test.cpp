@@ -1,3 +1,4 @@
+// The three DPI functions, through the shared library.
 #include <cstdio>
 #include <fstream>
 

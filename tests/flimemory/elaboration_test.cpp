@@ -1,3 +1,4 @@
+// Which ports and parameters an instance takes, and what it asks of the simulator.
 #include <fstream>
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// The shared library, loaded as a simulator loads it.
 #ifndef MARLUNE_TESTS_FLIMEMORY_LIBRARY_H
 #define MARLUNE_TESTS_FLIMEMORY_LIBRARY_H
 

@@ -1,3 +1,4 @@
+// Loads through windows into every kind of storage, compared with a model.
 #include "src/flimemory/loadmemory.h"
 
 #include <random>

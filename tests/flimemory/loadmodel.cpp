@@ -1,3 +1,4 @@
+// The model of a load: each LAU is asked on its own.
 #include "tests/flimemory/loadmodel.h"
 
 #include <algorithm>

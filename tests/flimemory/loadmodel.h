@@ -1,3 +1,4 @@
+// What a load does, as a model.
 #ifndef MARLUNE_TESTS_FLIMEMORY_LOADMODEL_H
 #define MARLUNE_TESTS_FLIMEMORY_LOADMODEL_H
 

@@ -1,3 +1,4 @@
+// Vectors of DPI, written as text.
 #ifndef MARLUNE_TESTS_FLIMEMORY_LOGICTEXT_H
 #define MARLUNE_TESTS_FLIMEMORY_LOGICTEXT_H
 

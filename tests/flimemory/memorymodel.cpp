@@ -1,3 +1,4 @@
+// A memory as the rules of ports describe it, and random traffic for one under test.
 #include "tests/flimemory/memorymodel.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// What a memory instance does, as a model.
 #ifndef MARLUNE_TESTS_FLIMEMORY_MEMORYMODEL_H
 #define MARLUNE_TESTS_FLIMEMORY_MEMORYMODEL_H
 

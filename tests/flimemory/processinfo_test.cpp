@@ -1,3 +1,4 @@
+// Edges and delta cycles: an instance under random traffic, and what random traffic does not meet.
 #include "src/flimemory/processinfo.h"
 
 #include <random>

@@ -1,3 +1,4 @@
+// Values between signals and numbers.
 #include "src/flimemory/signalvalue.h"
 
 #include <random>

@@ -1,3 +1,4 @@
+// Dense and sparse cells.
 #include "src/flimemory/storage.h"
 
 #include <map>

@@ -85,6 +85,9 @@ module icarus_tb;
     compare(longest[1023:0], {8'hF, 1016'h1002});
     compare(longest[1031:1024], 0);
     $marlune_poke("icarus_tb.memories[1].memory", 15, 0);
+    $marlune_poke("icarus_tb.wide", 3, {bank[7:0], image[31:0]}); // Icarus gives more bits than these 40
+    $marlune_peek("icarus_tb.wide", 3, longest);
+    compare(longest, 40'h3311223344);
   end
 
   // The write recorded at the edge before is committed first; what counts is the inputs' last value at the edge's time.

@@ -1,3 +1,4 @@
+// Wide integers, compared with texts of digits.
 #include "marlune_int"
 
 #include <bitset>

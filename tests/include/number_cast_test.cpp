@@ -1,3 +1,4 @@
+// Numbers as parameters are written.
 #include "number_cast"
 
 #include <gtest/gtest.h>

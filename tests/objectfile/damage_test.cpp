@@ -123,8 +123,9 @@ TEST_F(CDamage, LongAndIrregularText) {
     lines[30] = saved[30] = "32\t// first line of section data";
     for (unsigned i = 0; i < 40000; ++i) { // several buffers of lines
         const std::string digits = ConvUnsignToBin(std::uint64_t{i} * 2654435761U, i % 5000 == 17 ? 2 : 32);
-        lines.push_back(digits + (i % 5000 == 17 ? "\t// short" : i % 999 == 0 ? "\r" : ""));
-        saved.push_back(digits + (i % 5000 == 17 ? "\t" : ""));
+        const std::string rest = i % 5000 == 17 ? "\t" : i % 5000 == 18 ? "\rx" : "";
+        lines.push_back(digits + rest + (i % 5000 == 17 ? "// short" : i % 999 == 0 ? "\r" : ""));
+        saved.push_back(digits + rest);
     }
     EXPECT_EQ(Outcome(CTestFile(), Join(lines)), "loaded");
     EXPECT_TRUE(Save(*Load(Join(lines))) == Join(saved));
@@ -132,6 +133,7 @@ TEST_F(CDamage, LongAndIrregularText) {
 
 TEST_F(CDamage, CorpusFiles) {
     const long before = PeakMemory();
+    const CTestFile file;
     int files = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(MARLUNE_TEST_DATA)) {
         const std::string extension = entry.path().extension();
@@ -140,6 +142,10 @@ TEST_F(CDamage, CorpusFiles) {
                                entry.path().parent_path().filename() == "import"; // of other toolchains
             EXPECT_EQ(CheckImage(entry.path()), isBad ? "error" : "loaded") << entry.path();
             ++files;
+        } else if (entry.path().parent_path() == MARLUNE_TEST_DATA "/fuzz/image") {
+            EXPECT_NO_FATAL_FAILURE(ExpectNoFault(CheckImage(entry.path()), 0)) << entry.path();
+        } else if (entry.path().parent_path() == MARLUNE_TEST_DATA "/fuzz/edit") {
+            EXPECT_EQ(RunEdits(ReadFile(entry.path()), file.Path()), "") << entry.path();
         }
     }
     EXPECT_GT(files, 15);

@@ -1,9 +1,11 @@
+// The editing operations of the object model against plain lists.
 #include "tests/objectfile/editmodel.h"
 
 #include <algorithm>
 #include <array>
 #include <set>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 #include "objectfile/objectfile.h"
@@ -108,7 +110,9 @@ public:
             &CEdits::ChangeWord,    &CEdits::Organize,      &CEdits::AddBinary};
         while (!m_Bytes.empty()) {
             (this->*Pick(OPERATIONS))();
-            CompareRecords();
+            if (m_Bytes.size() % 4 == 0) { // which costs more than an operation
+                CompareRecords();
+            }
         }
         for (CModelSection& section : m_Sections) {
             CompareData(*section.m_Section->GetSectionData(), section.m_Data);
@@ -144,7 +148,6 @@ private:
         CSection* const section = m_Image.CreateSection(CSection::TYPE_DATA, name,
                                                         {word, perWord, Take() % 2 == 0 ? BO_LITTLE : BO_BIG, "ram"});
         section->SetMemoryByteAddress(Take());
-        section->SetMemoryByteAddressIsAbsolute(true);
         section->CreateSectionData();
         m_Deleted.erase(section);
         const auto bits = static_cast<std::size_t>(word);
@@ -281,6 +284,7 @@ private:
             }
         });
         Require(refused == IsUsed(name, target.m_Symbol), "how a new name is refused");
+        Require(Throws<general_error>([&] { m_Table.UpdateSymbolName("nobody", name); }), "nobody renamed");
         if (!refused) {
             const CModelSymbol& bound = way == 0 ? source : target;
             target = {target.m_Symbol, name, bound.m_Section, bound.m_IsLost};
@@ -291,6 +295,7 @@ private:
     void BindSymbol() {
         CModelSymbol& symbol = Pick(m_Symbols);
         CSection stranger(&m_Image);
+        stranger.SetName(symbol.m_Name);
         Require(Throws<std::out_of_range>([&] { symbol.m_Symbol->SetSection(&stranger); }), "bound to a stranger");
         if (Take() % 2 == 0) {
             CSection* const section = AnySection();
@@ -327,7 +332,12 @@ private:
     /// Bytes of eight bits in place of all that there was.
     void AddBinary() {
         CModelSection& section = Pick(m_Sections);
-        section.m_Section->ClearAll();
+        if (Take() % 2 == 0) {
+            section.m_Section->ClearAll();
+        } else {
+            section.m_Section->Free();
+            section.m_Section->CreateSectionData();
+        }
         section.m_Relocations.clear();
         section.m_Data.m_Lines.clear();
         std::vector<char> bytes(Take() % 9);
@@ -377,7 +387,9 @@ private:
         }
         for (int i = 0; i < static_cast<int>(m_Symbols.size()); ++i) {
             const auto& [symbol, name, section, isLost] = m_Symbols[static_cast<std::size_t>(i)];
-            Require(symbol->GetName() == name && m_Table.LookUpSymbol(name.c_str()) == symbol, "the symbol of a name");
+            Require(symbol->GetName() == name && m_Table.LookUpSymbol(name.c_str()) == symbol &&
+                        std::as_const(m_Table).FindSymbol(name) == symbol,
+                    "the symbol of a name");
             Require(symbol->ID() == i && m_Table.FindSymbol(symbol) == i, "a symbol's index");
             const int none = isLost && symbol->HasSection() ? -1 : 0;
             Require(symbol->GetSection() == section &&
@@ -387,6 +399,10 @@ private:
         for (const CSection* const section : m_Deleted) {
             Require(Throws<std::out_of_range>([&] { m_Image.FindSection(section); }), "a deleted section");
         }
+        const auto externs = std::count_if(m_Symbols.begin(), m_Symbols.end(), [](const CModelSymbol& symbol) {
+            return symbol.m_Symbol->GetType() == CSymbol::TYPE_EXTERN;
+        });
+        Require(m_Table.ExternSymbolCount() == externs, "the number of extern symbols");
         for (const CSymbol* const symbol : m_Refused) {
             Require(m_Table.FindSymbol(symbol) == -1, "a refused symbol");
         }
@@ -421,11 +437,10 @@ std::string RunEdits(std::string_view bytes, const std::string& path) {
     CEdits edits(bytes);
     try {
         edits.Run();
+        edits.m_Image.SetSectionsAreAllocated();
         edits.m_Image.SaveFile(path);
     } catch (const std::logic_error& fault) {
         return fault.what();
-    } catch (const general_error&) { // less than a byte of data takes a line for which no record is written
-        return "";
     }
     const std::string outcome = CheckImage(path);
     return outcome == "loaded" || outcome == "error" ? "" : outcome;

@@ -1,3 +1,4 @@
+// Encodings of numbers, binary digits and time stamps.
 #include "objectfile/utils.h"
 
 #include <stdexcept>

@@ -1,3 +1,4 @@
+// Decoding of the assembly line table.
 #include "objectfile/lineinfo.h"
 
 #include "tests/objectfile/testfile.h"

@@ -1,3 +1,4 @@
+// The text form of whole object files.
 #include "objectfile/objectfile.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Writing values into the fields of relocations.
 #include <climits>
 #include <ios>
 #include <iostream>

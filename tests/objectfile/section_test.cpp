@@ -1,3 +1,4 @@
+// Sections, as far as the model of editing does not cover them.
 #include <stdexcept>
 
 #include "tests/objectfile/testfile.h"

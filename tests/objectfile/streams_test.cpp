@@ -1,3 +1,4 @@
+// Line streams, files that cannot be opened, and probes of the file type.
 #include "objectfile/streams.h"
 
 #include <filesystem>

@@ -1,3 +1,4 @@
+// Files and texts for the tests.
 #include "tests/objectfile/testfile.h"
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// The functions of the foreign language interface, for tests.
 #include "tests/simulator/simulator.h"
 
 #include <algorithm>

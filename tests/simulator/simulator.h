@@ -1,3 +1,4 @@
+// A simulator in the process of the tests.
 #ifndef MARLUNE_TESTS_SIMULATOR_H
 #define MARLUNE_TESTS_SIMULATOR_H
 

@@ -1,3 +1,4 @@
+// The image tool's cells.
 #include "tools/cells.h"
 
 #include <random>

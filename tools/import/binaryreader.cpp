@@ -1,3 +1,4 @@
+// Raw bytes as a program.
 #include "tools/import/readers.h"
 
 namespace marlune::tool {

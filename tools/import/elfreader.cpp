@@ -1,3 +1,4 @@
+// ELF files of any machine as programs.
 #include <algorithm>
 #include <memory>
 #include <unordered_map>

@@ -1,3 +1,4 @@
+// The formats by their names and contents.
 #include "tools/import/format.h"
 
 #include <algorithm>

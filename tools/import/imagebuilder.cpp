@@ -1,3 +1,4 @@
+// Makes sections of LAUs from the bytes of a program.
 #include "tools/import/imagebuilder.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// From a file of any format to an image.
 #include "tools/import/importer.h"
 
 #include <stdexcept>

@@ -1,3 +1,4 @@
+// The parts of a program in the order of their addresses, checked against each other.
 #include "tools/import/program.h"
 
 #include <algorithm>
