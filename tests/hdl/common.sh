@@ -70,11 +70,11 @@ copy_memory() {
     esac > "all_ports.${1##*.}"
 }
 
-# verilate TOP FILE-OR-OPTION...: builds a model as README.md says; its C++ is not optimized
+# verilate TOP FILE-OR-OPTION...: builds a model as README.md says, except that the C++ is one file and not optimized
 verilate() {
     verilator --top-module "$1" --Mdir "$1" \
         "$root/hdl/marlune_dpi.sv" "$root/hdl/marlune_memory.sv" "${@:2}" \
         -LDFLAGS "-L$work/libraries -Wl,-rpath,$work/libraries -lmarlune_direct -lmarlune_fli_memory" \
-        -MAKEFLAGS "OPT_FAST=-O0 OPT_SLOW=-O0 OPT_GLOBAL=-O0" > "$1.log" 2>&1 ||
+        -MAKEFLAGS "VM_PARALLEL_BUILDS=0 OPT_FAST=-O0 OPT_SLOW=-O0 OPT_GLOBAL=-O0" > "$1.log" 2>&1 ||
         fail "$(grep -A 3 -E '^%|error' "$1.log")"
 }
