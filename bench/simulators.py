@@ -23,7 +23,7 @@ def build(*command):
 
 
 def run(command):
-    """Processor time of the user's part, for what a memory costs is computed there, and the first line of output."""
+    """Processor time of the user's part, where a memory's costs arise, and the first line of output."""
     process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     output = process.stdout.read()
     _, status, usage = os.wait4(process.pid, 0)

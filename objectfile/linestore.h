@@ -66,7 +66,7 @@ public:
 private:
     bool IsLast(int line) const { return line == m_Count - 1; }
     void SetIrregular(int line, std::string_view text);
-    /// Turns a short last line into an irregular one, for a line is to follow it.
+    /// Turns a short last line into an irregular one, because a line is to follow it.
     void FinishLast();
     void Pack(std::uint64_t position, std::string_view text);
 

@@ -35,7 +35,7 @@ std::string WithoutLineEnd(std::string text) {
     return text;
 }
 
-/// The file is opened more than once, and to open a pipe could wait for ever.
+/// The file is opened more than once, and opening a pipe could wait without end.
 void RequireReadableFile(const std::string& path) {
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(path, error);

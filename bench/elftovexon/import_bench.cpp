@@ -36,7 +36,7 @@ void Put(std::string& bytes, const T& record) {
     bytes.append(reinterpret_cast<const char*>(&record), sizeof record);
 }
 
-/// An executable: the address space "ram" of 8-bit units, `sections` data sections of `bytes` each, one behind the
+/// An executable: the address space "ram" of 8-bit LAUs, `sections` data sections of `bytes` each, one after the
 /// other in the file and in memory, and `symbols` symbols and relocations that go round them.
 void SaveElf(const std::string& path, bool bigEndian, unsigned sections, unsigned bytes, unsigned symbols) {
     std::string contents("\1\0ram\0\0\0\x20\0\x08\0", 12);

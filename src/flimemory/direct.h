@@ -1,6 +1,6 @@
 /* Entry points of the library for our own simulator side.
  *
- * Where that hands over port values as vectors of bits, it elaborates an instance as ever, by marlune_fli_memory_init,
+ * Where that hands over port values as vectors of bits, it elaborates an instance by marlune_fli_memory_init,
  * binds it by marlune_direct_bind, and then calls marlune_direct_wake in place of the instance's process. The other
  * functions answer what users ask about loads and contents. */
 #ifndef MARLUNE_FLIMEMORY_DIRECT_H

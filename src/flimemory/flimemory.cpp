@@ -147,7 +147,7 @@ const ObjectFile::CObjectFile& Executable(const std::string& fileName) {
     return *(g_Executables[fileName] = std::move(image));
 }
 
-/// The instance whose memory goes by the name of its array: the part before the last "RAM" and the separator.
+/// The instance whose memory has the name of its array: the part before the last "RAM" and the separator.
 std::string InstanceOfMemory(const std::string& normalisedName) {
     const std::size_t position = normalisedName.rfind("RAM");
     // A name that begins with its only "RAM" is kept whole, by the wrap-around of its position less one.

@@ -1,4 +1,4 @@
-// The ports of a memory instance, and how they are told from the names of the entity's ports.
+// The ports of a memory instance, and how they follow from the names of the entity's ports.
 #ifndef MARLUNE_FLIMEMORY_PORTS_H
 #define MARLUNE_FLIMEMORY_PORTS_H
 

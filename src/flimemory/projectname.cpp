@@ -14,16 +14,15 @@ bool IsWordCharacter(char c) {
 }
 
 bool IsInsideWord(const std::string& text, std::size_t position, std::size_t length) {
-    const std::size_t behind = position + length;
-    return (position > 0 && IsWordCharacter(text[position - 1])) ||
-           (behind < text.size() && IsWordCharacter(text[behind]));
+    const std::size_t end = position + length;
+    return (position > 0 && IsWordCharacter(text[position - 1])) || (end < text.size() && IsWordCharacter(text[end]));
 }
 
 } // namespace
 
 void RewriteString(std::string& text, const std::string& from, const std::string& to, bool wholeWord) {
     if (from.empty()) {
-        return; // it would be found everywhere for ever
+        return; // it would be found everywhere without end
     }
     std::size_t position = 0;
     while ((position = text.find(from, position)) != std::string::npos) {

@@ -18,7 +18,7 @@ namespace marlune::foreign::fli {
 
 /// An ordered map from 32-bit address to word that is made for memories.
 ///
-/// Implementation note: blocks of 64 cells stand in a hash table with open addressing. An access costs one look-up,
+/// Implementation note: blocks of 64 cells are kept in a hash table with open addressing. An access costs one look-up,
 /// mostly that of the block before, and two places in memory. A word of up to 64 significant bits takes 8 bytes; wider
 /// ones are indices of words that stand elsewhere. Blocks of zeros that come from a load are not in the table at all
 /// but kept as runs, so that a gigabyte of them costs one entry. A list of the blocks' numbers, which is sorted only

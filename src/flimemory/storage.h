@@ -74,7 +74,7 @@ public:
     CZeroedArray<std::uint64_t> m_Words64;
     CZeroedArray<CWord> m_WordsWide;
     std::string m_Name;           // the instance's path without its leading '/'
-    std::uint32_t m_ByteBitWidth; // bits of one addressable unit
+    std::uint32_t m_ByteBitWidth; // bits of a LAU
     std::uint32_t m_Size;         // cells
 
 private:
