@@ -117,6 +117,13 @@ public:
         for (CModelSection& section : m_Sections) {
             CompareData(*section.m_Section->GetSectionData(), section.m_Data);
         }
+        Require(Throws<syntax_error>([&] { m_Image.CheckLinks(); }) == IsAnyLost(), "how links are refused");
+    }
+
+    /// Does a symbol lie in a section that is gone?
+    bool IsAnyLost() const {
+        return std::any_of(m_Symbols.begin(), m_Symbols.end(),
+                           [](const CModelSymbol& symbol) { return symbol.m_IsLost && symbol.m_Symbol->HasSection(); });
     }
 
     CObjectFile m_Image{8, 1, BO_LITTLE, "ram"};
@@ -443,5 +450,5 @@ std::string RunEdits(std::string_view bytes, const std::string& path) {
         return fault.what();
     }
     const std::string outcome = CheckImage(path);
-    return outcome == "loaded" || outcome == "error" ? "" : outcome;
+    return outcome == (edits.IsAnyLost() ? "error" : "loaded") ? "" : outcome;
 }

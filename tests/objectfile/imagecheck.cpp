@@ -120,7 +120,7 @@ std::string CheckContents(const ElfToVexon& elf, const CObjectFile& image) {
 std::string CheckText(CObjectFile& image, const std::string& path) {
     const std::string copy = path + ".copy";
     std::string text;
-    const std::string error = ErrorOf([&] { text = Text(image, copy); });
+    std::string error = ErrorOf([&] { text = Text(image, copy); });
     if (!error.empty()) {
         return error;
     }

@@ -28,18 +28,12 @@ TEST(ObjectFile, TextOfEveryRecord) {
     EXPECT_EQ(image->GetEntryPoint(), 4100U);
     EXPECT_EQ(image->GetLineTable()->GetRows().size(), 2U);
 
-    const auto placeOf = [](const CSection& s) {
-        return std::tuple(s.GetType(), s.GetMemoryByteAddressIsAbsolute(), s.GetMemoryByteAddress(),
-                          s.GetByteAddressAlignment(), s.GetSectionDataByteCount());
-    };
     CSection& text = *image->FindSection(".text");
-    EXPECT_EQ(placeOf(text), std::tuple(CSection::TYPE_TEXT, true, 0x1000U, 4U, 6));
+    EXPECT_EQ(std::tuple(text.GetType(), text.GetMemoryByteAddressIsAbsolute(), text.GetMemoryByteAddress(),
+                         text.GetByteAddressAlignment(), text.GetSectionDataByteCount()),
+              std::tuple(CSection::TYPE_TEXT, true, 0x1000U, 4U, 6));
     EXPECT_TRUE(text.HasTheSameMemoryOrganization(CMemoryOrganization(32, 4, BO_BIG, "code")));
-    EXPECT_EQ(text.GetSectionData()->GetByte(5), "10111100");
-    const CSection& data = *image->GetSection(1);
-    EXPECT_EQ(placeOf(data), std::tuple(CSection::TYPE_DATA, true, ~0ULL, 0U, 3));
-    EXPECT_TRUE(data.HasTheSameMemoryOrganization(CMemoryOrganization(12, 2, BO_LITTLE, "dmem")));
-    EXPECT_EQ(image->GetSection(2)->GetSectionData()->GetByte(15), "00000000");
+    EXPECT_TRUE(image->GetSection(1)->HasTheSameMemoryOrganization(CMemoryOrganization(12, 2, BO_LITTLE, "dmem")));
 
     const CRelocation& r = *text.GetRelocation(0);
     EXPECT_EQ(std::tuple(r.m_Address, r.m_Flags, r.m_SizeInBytes, r.m_LowBit, r.m_HighBit, r.m_OffsetValue),
@@ -68,23 +62,6 @@ TEST(ObjectFile, RecordsThatCannotBeSaved) {
     if (std::filesystem::exists("/dev/full")) {
         EXPECT_FALSE(CObjectFile().SaveFile("/dev/full"));
     }
-}
-
-TEST(ObjectFile, LinksOfAnObjectThatNoFileHolds) {
-    CObjectFile objectFile(8, 1, BO_BIG, "");
-    CSection& section = *objectFile.CreateSection(CSection::TYPE_TEXT, "a");
-    auto* const symbol = new CSymbol("s", CSymbol::TYPE_PUBLIC, &section); // owned by the table
-    objectFile.CreateSymbolTable()->AddSymbol(symbol);
-    CRelocation* const relocation = section.AddRelocation(CRelocation());
-    relocation->m_Symbol = symbol;
-    objectFile.CheckLinks();
-    EXPECT_EQ(relocation->m_Symbol, symbol);
-    CSymbol copy(*symbol); // in no table
-    relocation->m_Symbol = &copy;
-    EXPECT_EQ(ErrorOf([&] { objectFile.CheckLinks(); }), "Line 0: Symbol index does not exist");
-    objectFile.CreateSection(CSection::TYPE_TEXT, "b");
-    objectFile.DeleteSection(&section); // the symbol must not come back in the other one
-    EXPECT_EQ(LoadError(Save(objectFile)), "-: Section index does not exist");
 }
 
 TEST(ObjectFile, LoadFileReportsErrorsInItsOwnWay) {

@@ -52,28 +52,14 @@ TEST(Section, StackAndHeapAreKnownByNameAndSymbols) {
     EXPECT_TRUE(stack.IsHeap(false));
 }
 
-TEST(MemoryOrganization, AFileWithoutSectionsHasNone) {
-    CObjectFile objectFile;
-    EXPECT_FALSE(objectFile.TryToSetUniformMemoryOrganization());
-    EXPECT_THROW(objectFile.GetStackMemoryOrganization(), general_error);
-    EXPECT_THROW(objectFile.GetDataAndDebugMemoryOrganization(), general_error);
-}
-
 TEST(SectionData, AddressesOutsideAreRefused) {
     CSectionData data(32, 4);
     data.Add(std::string(48, '1').c_str());
-    data.SetWord(1, "101");
-    EXPECT_EQ(data.GetByte(4), "101");
-    EXPECT_EQ(data.GetByteLength(4), 3);
-    EXPECT_THROW(data.GetByte(5), std::out_of_range);
     for (const int address : {-1, 6}) {
         EXPECT_EQ(ErrorOf([&] { data.GetByte(address); }), "Address out of range while reading byte");
         EXPECT_EQ(ErrorOf([&] { data.SetByte(address, "0"); }), "Address out of range while writing byte");
         EXPECT_EQ(ErrorOf([&] { data.GetWord(address); }), "Address out of range while reading word");
         EXPECT_EQ(ErrorOf([&] { data.SetWord(address, "0"); }), "Address out of range while writing word");
-        std::uint64_t cell = 0;
-        EXPECT_FALSE(data.GetByteBits(address, &cell));
-        EXPECT_EQ(data.CopyBytes(address, 1, 1, false, &cell), 0);
     }
     data.FillZero(2000000000);
     EXPECT_THROW(data.FillZero(200000000), general_error);
