@@ -4,8 +4,8 @@
 // Addresses count cells. A cell holds one LAU (least addressable unit) of an image, as many bits as the second of the
 // memory's parameters says. A memory is found by the path of its instance.
 //
-// An error (no such memory, an image that cannot be loaded or does not fit) ends the simulation with a message. An
-// address at or beyond a memory's size is reported; a read then gives 0, and a write has no effect.
+// An error (no such memory, an image that cannot be loaded or has LAUs of another width) ends the simulation with a
+// message. An address at or beyond a memory's size is reported; a read then gives 0, and a write has no effect.
 /* verilator lint_off TIMESCALEMOD */ // a test bench has a timescale or none
 package marlune_dpi;
 

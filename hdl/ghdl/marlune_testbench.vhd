@@ -7,8 +7,8 @@
 -- Addresses count cells. A cell holds one LAU (least addressable unit) of an image, as many bits as the second of the
 -- memory's parameters says. The overloads with unsigned are for addresses from 2**31 on.
 --
--- An error (no such memory, an image that cannot be loaded or does not fit) ends the simulation with a message. An
--- address at or beyond a memory's size is reported; a read then gives 0, and a write has no effect.
+-- An error (no such memory, an image that cannot be loaded or has LAUs of another width) ends the simulation with a
+-- message. An address at or beyond a memory's size is reported; a read then gives 0, and a write has no effect.
 
 library ieee;
 use ieee.std_logic_1164.all;

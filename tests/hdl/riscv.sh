@@ -4,6 +4,7 @@
 #
 # usage: riscv.sh BUILD-FOLDER
 source "$(dirname "$0")/common.sh"
+export MAKEFLAGS="OPT_FAST=-O0 OPT_SLOW=-O0 OPT_GLOBAL=-O0" # the model's C++ is not optimized
 run() { "$root/examples/riscv/run.sh" "$build" "$@" --into "$PWD"; }
 
 expect 0 "" run verilator icarus

@@ -52,7 +52,7 @@ TEST(NumberCast, ConvertsLiteralsOrSaysWhyNot) {
         {"'\\0'", "0"},
         {"'\\x41'", "65"},
         {"'\\101'", "65"},
-        {"'\\x-1'", "4294967295"},
+        {"'\\x-80'", "4294967168"},
         {"'\xFF'", "4294967295"},
         {"", "include/number_cast(106" + intConv + "empty string"},
         {"True", "include/number_cast(123" + intConv + "'True'"},
@@ -74,6 +74,7 @@ TEST(NumberCast, ConvertsLiteralsOrSaysWhyNot) {
         {"'\\xFF'", "include/number_cast(230) error: Escape sequence is out of range of char type. '\\xFF'"},
         {"'\\377'", "include/number_cast(230) error: Escape sequence is out of range of char type. '\\377'"},
         {"'\\-'", "include/number_cast(230) error: Escape sequence is out of range of char type. '\\-'"},
+        {"'\\x-81'", "include/number_cast(230) error: Escape sequence is out of range of char type. '\\x-81'"},
         {"'\\x'", "include/number_cast(230) error: Escape sequence is out of range of char type. '\\x'"},
     };
     for (const auto& [text, expected] : cases) {
