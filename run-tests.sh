@@ -19,6 +19,8 @@ need_packages "the tests in simulators" iverilog iverilog
 need_packages "the tests in simulators" verilator verilator
 need_packages "the tests in simulators" make make
 need_packages "the tests in simulators" awk mawk
+need_packages "the test of the packages" pkg-config pkg-config
+need_packages "the test of the packages" lintian lintian
 need_packages "the image tool" /usr/include/CLI/CLI.hpp libcli11-dev
 need_packages "the image tool" /usr/include/nlohmann/json.hpp nlohmann-json3-dev
 need_packages "the image tool" /usr/include/gelf.h libelf-dev

@@ -1,12 +1,10 @@
-# What all targets of this project share: language level, warnings, sanitizers.
-set(CMAKE_CXX_STANDARD 17)
-set(CMAKE_CXX_STANDARD_REQUIRED ON)
+# What all targets of this project share: language level, warnings, sanitizers. The variables hold in its folders only.
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
-set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 add_library(marlune_options INTERFACE)
+target_compile_features(marlune_options INTERFACE cxx_std_17)
 target_compile_options(marlune_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
 if(MARLUNE_WERROR)
     target_compile_options(marlune_options INTERFACE -Werror)
@@ -24,8 +22,10 @@ endif()
 # A library that a simulator loads. Exports what the version script beside it says; calls between its own entry points stay
 # inside. The simulator's functions stay undefined and bind lazily, because not every simulator has all of them.
 function(marlune_simulator_library target)
+    target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/src/version.cpp")
+    target_compile_definitions(${target} PRIVATE MARLUNE_VERSION_TEXT="lib${target} ${PROJECT_VERSION}")
     target_link_libraries(${target} PRIVATE marlune_options)
-    target_link_options(${target} PRIVATE -Wl,-z,lazy -Wl,-z,relro -Wl,-Bsymbolic
+    target_link_options(${target} PRIVATE -Wl,-z,lazy -Wl,-z,relro -Wl,-Bsymbolic -Wl,-u,marlune_version
                         "-Wl,--version-script=${CMAKE_CURRENT_SOURCE_DIR}/exports.map")
     if(NOT MARLUNE_SANITIZE)
         # Simulators bring a C++ run-time of their own, often an older one. What of ours is not used goes, for parts of it

@@ -4,10 +4,11 @@
 #
 # usage: run.sh BUILD-FOLDER [verilator | icarus]... [--native] [--into FOLDER] [+ARGUMENT]...
 #
-#   BUILD-FOLDER  holds the libraries
+#   BUILD-FOLDER  holds the libraries: a build, or lib/<triplet>/marlune of an installation
 #   --native      with memories that are plain arrays, to compare the speed
-#   --into        where the results go: the images, and the designs as processor_tb (Verilator) and processor_tb.vvp.
-#                 If not given: the build folder's examples/riscv, and with --native examples/riscv-native
+#   --into        where the results go: the images, and the designs as processor_tb (Verilator) and processor_tb.vvp. If
+#                 not given, examples/riscv in a build's folder, else marlune-riscv in the folder in which this runs; with
+#                 --native these names end in -native
 #   +ARGUMENT     for the simulation: those of processor_tb.sv, and the library's
 #
 # Without an assembler for RISC-V, or an image tool that reads its programs, the images beside this file are run.
@@ -39,6 +40,7 @@ while (($#)); do
     shift
 done
 ((${#simulators[@]})) || simulators=(verilator icarus)
+[[ -n $work || -f $build/CMakeCache.txt ]] || work=marlune-riscv$native
 [[ -n $work ]] || work=$build/examples/riscv$native
 mkdir -p "$work"
 work=$(cd "$work" && pwd)

@@ -1,17 +1,24 @@
 #!/usr/bin/env bash
 # Runs the VHDL example in GHDL.
 #
-# usage: run.sh BUILD-FOLDER [GENERIC=VALUE ...]
+# usage: run.sh BUILD-FOLDER [--into FOLDER] [GENERIC=VALUE]...
 #
-# The build folder holds the libraries. The results, the waveform memory_tb.ghw among them, go to its folder
-# examples/vhdl.
+#   BUILD-FOLDER  holds the libraries: a build, or lib/<triplet>/marlune of an installation
+#   --into        where the results go, the waveform memory_tb.ghw among them. If not given, examples/vhdl in a build's
+#                 folder, else marlune-vhdl in the folder in which this runs
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 build=$(cd "$1" && pwd)
 shift
 work=$build/examples/vhdl
+[[ -f $build/CMakeCache.txt ]] || work=marlune-vhdl
+if [[ ${1-} == --into ]]; then
+    work=$2
+    shift 2
+fi
 mkdir -p "$work"
 cd "$work"
+work=$PWD
 ln -sfn "$root" source
 
 rm -f work-obj08.cf # of an earlier run, perhaps with other sources

@@ -2,11 +2,15 @@
 #include <iostream>
 
 #include "marlune_int"
+#include "number_cast"
 #include "objectfile/objectfile.h"
+#include "objectfile/objectfileutils.h"
 
 int main() {
     ObjectFile::CObjectFile written(8, 1, ObjectFile::BO_BIG, "ram");
-    written.CreateSection(ObjectFile::CSection::TYPE_DATA, ".data")->AddData("00101010");
+    ObjectFile::CSection* section = written.CreateSection(ObjectFile::CSection::TYPE_DATA, ".data");
+    section->SetMemoryByteAddressIsAbsolute(true);
+    section->AddData("00101010");
     if (!written.SaveFile("image.vexon")) {
         return 1;
     }
