@@ -24,7 +24,7 @@ constexpr int MOST_BITS = 1024; // of a memory's cell
 class CChecker {
 public:
     /// `warnings` are those of an import.
-    CChecker(const ObjectFile::CObjectFile& image, const SOptions& options, const std::vector<std::string>& warnings)
+    CChecker(const ObjectFile::CObjectFile& image, const COptions& options, const std::vector<std::string>& warnings)
         : m_Image(image), m_Options(options),
           m_Table({{"Finding", "severity"}, {"Section", "section"}, {"What", "text"}}) {
         for (const std::string& text : warnings) {
@@ -142,8 +142,8 @@ private:
     }
 
     void CheckOverlaps() {
-        for (const SSpace& space : LayOut(m_Image, false)) {
-            for (const SPiece& piece : space.m_Pieces) {
+        for (const CSpace& space : LayOut(m_Image, false)) {
+            for (const CPiece& piece : space.m_Pieces) {
                 if (piece.m_Overlaps != nullptr && space.m_Name == m_Options.m_Space.value_or(space.m_Name)) {
                     Warn(piece.m_Section->GetName(), "overlaps " + Printable(piece.m_Overlaps->GetName()) + " from " +
                                                          Hex(piece.m_First) +
@@ -186,7 +186,7 @@ private:
     }
 
     const ObjectFile::CObjectFile& m_Image;
-    const SOptions& m_Options;
+    const COptions& m_Options;
     CTable m_Table;
     std::set<std::string> m_WarnedOfTcl;
     std::map<std::string, std::uint32_t> m_Widths; // of a LAU, by address space
@@ -197,7 +197,7 @@ private:
 
 } // namespace
 
-int RunCheck(const SOptions& options) {
+int RunCheck(const COptions& options) {
     std::vector<std::string> warnings;
     const auto image = LoadImage(options, [&](const std::string& text) { warnings.push_back(text); });
     CChecker checker(*image, options, warnings);

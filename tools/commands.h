@@ -17,7 +17,7 @@ constexpr int STATUS_BAD = 1;   // a bad image, or one that such a memory refuse
 constexpr int STATUS_USAGE = 2; // wrong usage
 
 /// What the command line says; each sub-command looks at what it knows.
-struct SOptions : CImportOptions {
+struct COptions : CImportOptions {
     std::string m_File;
     bool m_NamesMemory = false;    // address space and width are those of a memory, whatever the file
     bool m_WritesBytes = false;    // in a byte order, whatever the file
@@ -31,13 +31,13 @@ struct SOptions : CImportOptions {
     std::string m_Svg;  // file for a drawing; empty for none
 };
 
-int RunInfo(const SOptions& options);
-int RunSymbols(const SOptions& options);
-int RunLines(const SOptions& options);
-int RunCheck(const SOptions& options);
-int RunConvert(const SOptions& options);
-int RunDump(const SOptions& options);
-int RunMap(const SOptions& options);
+int RunInfo(const COptions& options);
+int RunSymbols(const COptions& options);
+int RunLines(const COptions& options);
+int RunCheck(const COptions& options);
+int RunConvert(const COptions& options);
+int RunDump(const COptions& options);
+int RunMap(const COptions& options);
 
 } // namespace marlune::tool
 

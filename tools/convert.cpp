@@ -14,7 +14,7 @@ namespace {
 /// makes none of these.
 void RequireLoadable(const std::string& path, const std::string& target) {
     try {
-        SOptions options;
+        COptions options;
         options.m_File = path;
         LoadImage(options);
     } catch (const CImageError& error) {
@@ -25,7 +25,7 @@ void RequireLoadable(const std::string& path, const std::string& target) {
 
 } // namespace
 
-int RunConvert(const SOptions& options) {
+int RunConvert(const COptions& options) {
     auto image = LoadImage(options);
     const bool isImported = IsImported(options);
     ReplaceFile(options.m_Output, [&](const std::string& path) {

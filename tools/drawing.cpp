@@ -20,12 +20,12 @@ constexpr unsigned LANE_X = COUNT_END_X + 16;
 constexpr unsigned LANE_LENGTH = 480;
 constexpr unsigned WIDTH = LANE_X + LANE_LENGTH + MARGIN;
 
-struct SColour {
+struct CColour {
     ObjectFile::CSection::eType m_Type;
     const char* m_Fill;
     const char* m_Meaning;
 };
-constexpr std::array<SColour, 3> COLOURS{{{ObjectFile::CSection::TYPE_TEXT, "#3b6ea8", "text"},
+constexpr std::array<CColour, 3> COLOURS{{{ObjectFile::CSection::TYPE_TEXT, "#3b6ea8", "text"},
                                           {ObjectFile::CSection::TYPE_DATA, "#4f9d69", "data"},
                                           {ObjectFile::CSection::TYPE_BSS, "#d9a441", "bss (zeros)"}}};
 
@@ -66,7 +66,7 @@ public:
         Box(0, 0, WIDTH, height, "#ffffff");
         Text(MARGIN, MARGIN + 12, "head", title);
         unsigned x = LANE_X;
-        for (const SColour& colour : COLOURS) {
+        for (const CColour& colour : COLOURS) {
             Box(x, MARGIN + 2, 12, 12, colour.m_Fill);
             Text(x + 18, MARGIN + 12, "piece", colour.m_Meaning);
             x += 80;
@@ -74,10 +74,10 @@ public:
         m_Y = MARGIN + 2 * ROW;
     }
 
-    void Space(const SSpace& space) {
+    void Space(const CSpace& space) {
         Text(MARGIN, m_Y + 15, "head", Heading(space));
         m_Y += ROW;
-        for (const SPiece& piece : space.m_Pieces) {
+        for (const CPiece& piece : space.m_Pieces) {
             Piece(space, piece);
         }
         m_Y += ROW;
@@ -86,7 +86,7 @@ public:
     void End() { m_Out << "</svg>\n"; }
 
 private:
-    void Piece(const SSpace& space, const SPiece& piece) {
+    void Piece(const CSpace& space, const CPiece& piece) {
         const bool gap = piece.m_Section == nullptr;
         const std::string style = gap ? "gap" : piece.m_Overlaps != nullptr ? "clash" : "piece";
         Text(MARGIN, m_Y + 15, style,
@@ -100,9 +100,9 @@ private:
         m_Y += ROW;
     }
 
-    static const char* Colour(const SPiece& piece) {
+    static const char* Colour(const CPiece& piece) {
         return std::find_if(COLOURS.begin(), COLOURS.end(),
-                            [&](const SColour& candidate) { return candidate.m_Type == piece.m_Section->GetType(); })
+                            [&](const CColour& candidate) { return candidate.m_Type == piece.m_Section->GetType(); })
             ->m_Fill;
     }
 
@@ -121,14 +121,14 @@ private:
 
 } // namespace
 
-void DrawSvg(std::ostream& out, const std::string& title, const std::vector<SSpace>& spaces) {
+void DrawSvg(std::ostream& out, const std::string& title, const std::vector<CSpace>& spaces) {
     std::size_t rows = 2;
-    for (const SSpace& space : spaces) {
+    for (const CSpace& space : spaces) {
         rows += space.m_Pieces.size() + 2;
     }
     CDrawing drawing(out);
     drawing.Begin(static_cast<unsigned>(rows * ROW + MARGIN), title);
-    for (const SSpace& space : spaces) {
+    for (const CSpace& space : spaces) {
         drawing.Space(space);
     }
     drawing.End();

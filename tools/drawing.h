@@ -11,7 +11,7 @@
 namespace marlune::tool {
 
 /// Draws the address spaces as SVG: a row with a bar, to scale, for each section and each gap.
-void DrawSvg(std::ostream& out, const std::string& title, const std::vector<SSpace>& spaces);
+void DrawSvg(std::ostream& out, const std::string& title, const std::vector<CSpace>& spaces);
 
 } // namespace marlune::tool
 

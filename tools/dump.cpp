@@ -11,7 +11,7 @@
 
 namespace marlune::tool {
 
-int RunDump(const SOptions& options) {
+int RunDump(const COptions& options) {
     const auto image = LoadImage(options);
     const std::string space = options.m_Space.value();
     const CLoadedCells cells(*image, space, options.m_Width.value(), options.m_Size, options.m_Window);

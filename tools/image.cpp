@@ -78,19 +78,19 @@ void LoadText(const std::string& path, ObjectFile::CObjectFile& image) {
     }
 }
 
-eFormat FormatOf(const SOptions& options) {
+eFormat FormatOf(const COptions& options) {
     return options.m_Format ? *options.m_Format : RecogniseFormat(options.m_File);
 }
 
 /// Is it a file that a simulator loads as it is? An ELF file of the toolchain's machine is imported when the user asks
 /// for that, or gives the address space that it is to be in.
-bool IsOwn(const SOptions& options, eFormat format) {
+bool IsOwn(const COptions& options, eFormat format) {
     const bool namesSpace = options.m_Space && !options.m_NamesMemory;
     return format == eFormat::OBJECT ||
            (format == eFormat::ELF && !options.m_Format && !namesSpace && ElfMachine(options.m_File) == OWN_MACHINE);
 }
 
-void RequireNoImportOptions(const SOptions& options) {
+void RequireNoImportOptions(const COptions& options) {
     const std::array<std::pair<bool, const char*>, 5> given{{{options.m_Space && !options.m_NamesMemory, "--space"},
                                                              {options.m_Width && !options.m_NamesMemory, "--width"},
                                                              {options.m_Base.has_value(), "--base"},
@@ -106,7 +106,7 @@ void RequireNoImportOptions(const SOptions& options) {
 }
 
 /// A converted file must say which memory it is for; to look at one, bytes will do.
-void RequireMemory(const SOptions& options, eFormat format) {
+void RequireMemory(const COptions& options, eFormat format) {
     if (options.m_RequiresMemory && !(options.m_Space && options.m_Width)) {
         throw std::runtime_error("the file (" + std::string(FormatRow(format).m_Title) +
                                  ") does not say which memory it is for: give --space NAME and --width BITS");
@@ -122,7 +122,7 @@ void Warn(const std::string& path, const std::string& text) {
     std::cerr << "marlune-image: warning: " << Printable(path) << ": " << text << '\n';
 }
 
-std::unique_ptr<ObjectFile::CObjectFile> LoadImage(const SOptions& options, const CWarn& warn) {
+std::unique_ptr<ObjectFile::CObjectFile> LoadImage(const COptions& options, const CWarn& warn) {
     const std::string& path = options.m_File;
     RequireReadableFile(path);
     const CProgress progress("reading " + path, CProgress::READING, FileSize(path));
@@ -153,11 +153,11 @@ std::unique_ptr<ObjectFile::CObjectFile> LoadImage(const SOptions& options, cons
     }
 }
 
-bool IsImported(const SOptions& options) {
+bool IsImported(const COptions& options) {
     return !IsOwn(options, FormatOf(options));
 }
 
-std::string KindOfImage(const SOptions& options) {
+std::string KindOfImage(const COptions& options) {
     try {
         const eFormat format = FormatOf(options);
         if (format == eFormat::OBJECT) {

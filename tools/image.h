@@ -24,11 +24,11 @@ public:
 /// Loads options.m_File: a text object file or an ELF file of the toolchain, as a simulator does, and programs of any
 /// other toolchain by way of an import. Throws CImageError with the exact reason, which a simulator does not show.
 /// Without `warn`, warnings go to standard error.
-std::unique_ptr<ObjectFile::CObjectFile> LoadImage(const SOptions& options, const CWarn& warn = nullptr);
+std::unique_ptr<ObjectFile::CObjectFile> LoadImage(const COptions& options, const CWarn& warn = nullptr);
 /// Is options.m_File a program of another toolchain?
-bool IsImported(const SOptions& options);
+bool IsImported(const COptions& options);
 /// What options.m_File is: "text object file", "Intel HEX file". Throws CImageError when that cannot be said.
-std::string KindOfImage(const SOptions& options);
+std::string KindOfImage(const COptions& options);
 
 /// Writes a warning about a file on standard error.
 void Warn(const std::string& path, const std::string& text);

@@ -28,7 +28,7 @@ int SymbolCount(const CObjectFile& image) {
 }
 
 /// The organization of all sections; each section has its own when there is none.
-std::vector<SFact> Facts(const CObjectFile& image, const SOptions& options) {
+std::vector<CFact> Facts(const CObjectFile& image, const COptions& options) {
     const bool uniform = image.GetMemoryOrganizationIsValid();
     const auto ifUniform = [&](CField field) { return uniform ? std::move(field) : CField(); };
     const ObjectFile::CLineTable* lines = image.GetLineTable();
@@ -38,7 +38,7 @@ std::vector<SFact> Facts(const CObjectFile& image, const SOptions& options) {
             {"Word bits", "word_bits", ifUniform(Number(image.GetWordBitSize()))},
             {"LAUs per word", "units_per_word", ifUniform(Number(image.GetBytesPerWord()))},
             {"Byte order", "byte_order", ifUniform(OrderName(image))},
-            {"Entry point", "entry_point", image.GetEntryPointIsSet() ? CField(SHex{image.GetEntryPoint()}) : CField()},
+            {"Entry point", "entry_point", image.GetEntryPointIsSet() ? CField(CHex{image.GetEntryPoint()}) : CField()},
             {"Symbols", "symbols", Number(SymbolCount(image))},
             {"Lines", "lines", std::uint64_t{lines != nullptr ? lines->GetRows().size() : 0}},
             {"Sections", "section_count", Number(image.SectionsCount())}};
@@ -57,7 +57,7 @@ CTable Sections(const CObjectFile& image) {
     for (int i = 0; i < image.SectionsCount(); ++i) {
         const CSection& section = *image.GetSection(i);
         table.AddRow({section.GetName(), TypeName(section.GetType()), section.GetAddressSpaceName(),
-                      SHex{section.GetMemoryByteAddress()}, section.GetMemoryByteAddressIsAbsolute(),
+                      CHex{section.GetMemoryByteAddress()}, section.GetMemoryByteAddressIsAbsolute(),
                       UnitCount(section), UnitBits(section), OrderName(section), Number(section.RelocationCount())});
     }
     return table;
@@ -65,9 +65,9 @@ CTable Sections(const CObjectFile& image) {
 
 } // namespace
 
-int RunInfo(const SOptions& options) {
+int RunInfo(const COptions& options) {
     const auto image = LoadImage(options);
-    const std::vector<SFact> facts = Facts(*image, options);
+    const std::vector<CFact> facts = Facts(*image, options);
     const CTable sections = Sections(*image);
     if (options.m_Json) {
         CJson document = ToJson(facts);

@@ -19,12 +19,12 @@ bool IsPlaced(const CSection& section, bool withStackAndHeap) {
 }
 
 /// Sorts the sections, finds overlaps and puts in the gaps.
-void Arrange(SSpace& space) {
+void Arrange(CSpace& space) {
     std::stable_sort(space.m_Pieces.begin(), space.m_Pieces.end(),
-                     [](const SPiece& a, const SPiece& b) { return a.m_First < b.m_First; });
-    std::vector<SPiece> arranged;
+                     [](const CPiece& a, const CPiece& b) { return a.m_First < b.m_First; });
+    std::vector<CPiece> arranged;
     const CSection* highest = nullptr; // the section that ends at space.m_End
-    for (SPiece piece : space.m_Pieces) {
+    for (CPiece piece : space.m_Pieces) {
         if (highest != nullptr && piece.m_First < space.m_End) {
             piece.m_Overlaps = highest;
         } else if (highest != nullptr && piece.m_First > space.m_End) {
@@ -40,16 +40,16 @@ void Arrange(SSpace& space) {
 }
 
 /// Gives the pieces their positions. Gaps are shortened to what leaves two thirds of the scale to the sections.
-void Scale(SSpace& space) {
+void Scale(CSpace& space) {
     std::uint64_t gaps = 0;
     space.m_InUse = space.m_End - space.First();
-    for (const SPiece& piece : space.m_Pieces) {
+    for (const CPiece& piece : space.m_Pieces) {
         gaps += piece.m_Section == nullptr ? 1 : 0;
         space.m_InUse -= piece.m_Section == nullptr ? piece.m_Count : 0;
     }
     const std::uint64_t longest = std::max<std::uint64_t>(space.m_InUse / (2 * std::max<std::uint64_t>(gaps, 1)), 1);
     std::uint64_t removed = space.First();
-    for (SPiece& piece : space.m_Pieces) {
+    for (CPiece& piece : space.m_Pieces) {
         piece.m_Position = piece.m_First - removed;
         piece.m_Length = piece.m_Section == nullptr ? std::min(piece.m_Count, longest) : piece.m_Count;
         removed += piece.m_Count - piece.m_Length;
@@ -59,8 +59,8 @@ void Scale(SSpace& space) {
 
 } // namespace
 
-std::vector<SSpace> LayOut(const ObjectFile::CObjectFile& image, bool withStackAndHeap) {
-    std::vector<SSpace> spaces;
+std::vector<CSpace> LayOut(const ObjectFile::CObjectFile& image, bool withStackAndHeap) {
+    std::vector<CSpace> spaces;
     std::map<std::string, std::size_t> indices; // into spaces, by name
     for (int i = 0; i < image.SectionsCount(); ++i) {
         const CSection& section = *image.GetSection(i);
@@ -69,25 +69,25 @@ std::vector<SSpace> LayOut(const ObjectFile::CObjectFile& image, bool withStackA
         }
         const auto [index, isNew] = indices.emplace(section.GetAddressSpaceName(), spaces.size());
         if (isNew) {
-            spaces.push_back(SSpace{section.GetAddressSpaceName(), {}, 0});
+            spaces.push_back(CSpace{section.GetAddressSpaceName(), {}, 0});
         }
         const auto address = static_cast<std::uint32_t>(section.GetMemoryByteAddress());
         spaces[index->second].m_Pieces.push_back({&section, address, UnitCount(section), nullptr});
     }
-    for (SSpace& space : spaces) {
+    for (CSpace& space : spaces) {
         Arrange(space);
         Scale(space);
     }
     return spaces;
 }
 
-std::string Heading(const SSpace& space) {
+std::string Heading(const CSpace& space) {
     const std::uint64_t extent = space.m_End - space.First();
     return "address space '" + Printable(space.m_Name) + "': " + Hex(space.First()) + " to " + Hex(space.m_End - 1) +
            ", " + std::to_string(space.m_InUse) + " of " + Counted(extent, "LAU") + " in use";
 }
 
-std::uint64_t Scaled(const SSpace& space, std::uint64_t position, std::uint64_t length) {
+std::uint64_t Scaled(const CSpace& space, std::uint64_t position, std::uint64_t length) {
     return position * length / space.m_Scale;
 }
 

@@ -11,7 +11,7 @@
 namespace marlune::tool {
 
 /// A range of LAU addresses: those of a section, or of a gap between sections when there is none.
-struct SPiece {
+struct CPiece {
     const ObjectFile::CSection* m_Section = nullptr;
     std::uint64_t m_First = 0;
     std::uint64_t m_Count = 0;
@@ -24,9 +24,9 @@ struct SPiece {
 };
 
 /// An address space: its sections and the gaps between them by ascending address, borrowed from the image.
-struct SSpace {
+struct CSpace {
     std::string m_Name;
-    std::vector<SPiece> m_Pieces;
+    std::vector<CPiece> m_Pieces;
     std::uint64_t m_End = 0;   // after the highest address in use
     std::uint64_t m_InUse = 0; // LAUs that are not in gaps
     std::uint64_t m_Scale = 0; // the length of the scale: of all pieces, with gaps shortened
@@ -36,13 +36,13 @@ struct SSpace {
 
 /// The address spaces in the order of their first sections, with those sections that have contents, a fixed address
 /// and a place in memory; stack and heap only if asked for. Addresses are the low 32 bits, as a load takes them.
-std::vector<SSpace> LayOut(const ObjectFile::CObjectFile& image, bool withStackAndHeap);
+std::vector<CSpace> LayOut(const ObjectFile::CObjectFile& image, bool withStackAndHeap);
 
 /// "address space 'ram': 0x0 to 0xfff, 96 of 4096 LAUs in use".
-std::string Heading(const SSpace& space);
+std::string Heading(const CSpace& space);
 
 /// Where a position of the space's scale lies in a picture of `length` steps.
-std::uint64_t Scaled(const SSpace& space, std::uint64_t position, std::uint64_t length);
+std::uint64_t Scaled(const CSpace& space, std::uint64_t position, std::uint64_t length);
 
 } // namespace marlune::tool
 

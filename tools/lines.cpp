@@ -17,12 +17,12 @@ CField FileName(const ObjectFile::CLineTable& lines, int index) {
 
 } // namespace
 
-int RunLines(const SOptions& options) {
+int RunLines(const COptions& options) {
     const auto image = LoadImage(options);
     CTable table({{"Address", "address", true}, {"File", "file"}, {"Line", "line", true}, {"End", "end_of_sequence"}});
     if (const ObjectFile::CLineTable* lines = image->GetLineTable()) {
         for (const ObjectFile::CLineInfo& row : lines->GetRows()) {
-            table.AddRow({SHex{row.m_Address}, FileName(*lines, row.m_FileIndex), std::int64_t{row.m_Line},
+            table.AddRow({CHex{row.m_Address}, FileName(*lines, row.m_FileIndex), std::int64_t{row.m_Line},
                           row.m_EndOfSequence});
         }
     }

@@ -45,7 +45,7 @@ std::string FormatsLeftOut() {
 }
 
 /// What there is to say about a program of another toolchain; every command takes such a file.
-void AddImport(CLI::App& app, SOptions& options) {
+void AddImport(CLI::App& app, COptions& options) {
     constexpr const char* GROUP = "Programs of other toolchains";
     app.add_option("--space", options.m_Space, "address space that the memory loads")->type_name("NAME");
     app.add_option("--width", options.m_Width, "bits of one LAU of the memory")
@@ -62,15 +62,15 @@ void AddImport(CLI::App& app, SOptions& options) {
         ->group(GROUP);
 }
 
-void AddJson(CLI::App& app, SOptions& options) {
+void AddJson(CLI::App& app, COptions& options) {
     app.add_flag("--json", options.m_Json, "print JSON for scripts");
 }
 
-void AddConvert(CLI::App& app, SOptions& options) {
+void AddConvert(CLI::App& app, COptions& options) {
     app.add_option("OUT", options.m_Output, "text object file to write")->required();
 }
 
-void AddDump(CLI::App& app, SOptions& options) {
+void AddDump(CLI::App& app, COptions& options) {
     app.get_option("--space")->required();
     app.get_option("--width")->required();
     foreign::CLoadWindow& window = options.m_Window;
@@ -86,7 +86,7 @@ void AddDump(CLI::App& app, SOptions& options) {
     app.add_option("-o,--output", options.m_Output, "file to write instead of standard output");
 }
 
-void AddMap(CLI::App& app, SOptions& options) {
+void AddMap(CLI::App& app, COptions& options) {
     AddJson(app, options);
     app.add_option("--svg", options.m_Svg, "also draw it into this SVG file");
 }
@@ -99,14 +99,14 @@ enum eMemory {
     WRITTEN    // for which memory a program of another toolchain is converted: they must be given
 };
 
-struct SCommand {
+struct CCommand {
     const char* m_Name;
     const char* m_Text;
     eMemory m_Memory;
-    int (*m_Run)(const SOptions& options);
-    void (*m_AddOptions)(CLI::App& app, SOptions& options);
+    int (*m_Run)(const COptions& options);
+    void (*m_AddOptions)(CLI::App& app, COptions& options);
 };
-constexpr std::array<SCommand, 7> COMMANDS{
+constexpr std::array<CCommand, 7> COMMANDS{
     {{"info", "kind, memory organization, entry point, sections and counts", LOOKED_AT, RunInfo, AddJson},
      {"symbols", "the symbols", LOOKED_AT, RunSymbols, AddJson},
      {"lines", "the assembly line table", LOOKED_AT, RunLines, AddJson},
@@ -116,7 +116,7 @@ constexpr std::array<SCommand, 7> COMMANDS{
      {"map", "a picture of each address space", LOOKED_AT, RunMap, AddMap}}};
 
 /// A script that asked for JSON gets the reason for a failure as JSON, too.
-int RunCommand(const SCommand& command, const SOptions& options) {
+int RunCommand(const CCommand& command, const COptions& options) {
     try {
         return command.m_Run(options);
     } catch (const CImageError& error) {
@@ -133,9 +133,9 @@ int Run(int argc, char** argv) {
     app.set_version_flag("--version", "marlune-image " MARLUNE_VERSION);
     app.require_subcommand(1);
     app.footer(FormatsLeftOut());
-    SOptions options;
-    const SCommand* chosen = nullptr;
-    for (const SCommand& command : COMMANDS) {
+    COptions options;
+    const CCommand* chosen = nullptr;
+    for (const CCommand& command : COMMANDS) {
         CLI::App* sub = app.add_subcommand(command.m_Name, command.m_Text);
         sub->add_option("FILE", options.m_File, "image: text object file, ELF file, or a program in another format")
             ->required();

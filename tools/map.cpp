@@ -38,7 +38,7 @@ std::optional<std::size_t> TerminalColumns() {
     return std::nullopt;
 }
 
-char MarkOf(const SPiece& piece) {
+char MarkOf(const CPiece& piece) {
     if (piece.m_Section == nullptr) {
         return piece.IsShortened() ? '~' : '.';
     }
@@ -46,7 +46,7 @@ char MarkOf(const SPiece& piece) {
 }
 
 /// The piece's place in its address space, at least one character of it.
-std::string Bar(const SSpace& space, const SPiece& piece, std::size_t length) {
+std::string Bar(const CSpace& space, const CPiece& piece, std::size_t length) {
     const auto begin = static_cast<std::size_t>(Scaled(space, piece.m_Position, length - 1));
     const auto end =
         std::max(static_cast<std::size_t>(Scaled(space, piece.m_Position + piece.m_Length, length)), begin + 1);
@@ -56,24 +56,24 @@ std::string Bar(const SSpace& space, const SPiece& piece, std::size_t length) {
     return "|" + bar + "|";
 }
 
-CTable Pieces(const SSpace& space, std::size_t barLength) {
+CTable Pieces(const CSpace& space, std::size_t barLength) {
     CTable table({{"Section", "section"},
                   {"Type", "type"},
                   {"First", "first", true},
                   {"Last", "last", true},
                   {"LAUs", "units", true},
                   {PLACE, "place"}});
-    for (const SPiece& piece : space.m_Pieces) {
+    for (const CPiece& piece : space.m_Pieces) {
         const bool gap = piece.m_Section == nullptr;
         table.AddRow({gap ? CField() : CField(piece.m_Section->GetName()),
-                      gap ? "gap" : TypeName(piece.m_Section->GetType()), SHex{piece.m_First}, SHex{piece.End() - 1},
+                      gap ? "gap" : TypeName(piece.m_Section->GetType()), CHex{piece.m_First}, CHex{piece.End() - 1},
                       piece.m_Count, Bar(space, piece, barLength)});
     }
     return table;
 }
 
 /// The bar with which the table is as wide as the terminal, if that is possible.
-std::size_t BarLength(const SSpace& space) {
+std::size_t BarLength(const CSpace& space) {
     const auto columns = TerminalColumns();
     if (!columns) {
         return USUAL_BAR;
@@ -87,19 +87,19 @@ std::size_t BarLength(const SSpace& space) {
 
 } // namespace
 
-int RunMap(const SOptions& options) {
+int RunMap(const COptions& options) {
     const auto image = LoadImage(options);
-    const std::vector<SSpace> spaces = LayOut(*image, true);
+    const std::vector<CSpace> spaces = LayOut(*image, true);
     if (options.m_Json) {
         CJson list = CJson::array();
-        for (const SSpace& space : spaces) {
+        for (const CSpace& space : spaces) {
             list.push_back({{"space", space.m_Name}, {"pieces", Pieces(space, USUAL_BAR).Json()}});
         }
         PrintJson({{"file", options.m_File}, {"spaces", list}});
     } else if (spaces.empty()) {
         std::cout << Printable(options.m_File) << ": no section has contents at a fixed address\n";
     }
-    for (const SSpace& space : spaces) {
+    for (const CSpace& space : spaces) {
         if (!options.m_Json) {
             std::cout << (&space == &spaces.front() ? "" : "\n") << Heading(space) << '\n';
             Pieces(space, BarLength(space)).Print(std::cout);

@@ -26,14 +26,14 @@ void AddSymbols(CTable& table, std::uint64_t number, const ObjectFile::CSymbolTa
         const CSymbol& symbol = *symbols.GetSymbol(i);
         const bool hasSection = symbol.HasSection() && symbol.GetSection() != nullptr;
         table.AddRow({symbol.GetName(), SymbolTypeName(symbol), UsageName(symbol),
-                      hasSection ? CField(symbol.GetSection()->GetName()) : CField(), SHex{symbol.GetMemoryAddress()},
+                      hasSection ? CField(symbol.GetSection()->GetName()) : CField(), CHex{symbol.GetMemoryAddress()},
                       static_cast<std::uint64_t>(static_cast<std::uint32_t>(symbol.GetBlockSize())), number});
     }
 }
 
 } // namespace
 
-int RunSymbols(const SOptions& options) {
+int RunSymbols(const COptions& options) {
     const auto image = LoadImage(options);
     CTable table({{"Symbol", "name"},
                   {"Type", "type"},

@@ -12,18 +12,18 @@ namespace {
 constexpr std::size_t MAX_COLUMN = 60;  // characters; a longer field sticks out of its column
 constexpr std::size_t MAX_FIELD = 1000; // and one beyond that is cut
 
-struct SToText {
+struct CToText {
     std::string operator()(std::monostate /*nothing*/) const { return "-"; }
     std::string operator()(const std::string& text) const { return text.empty() ? "-" : Printable(text); }
     std::string operator()(std::uint64_t number) const { return std::to_string(number); }
     std::string operator()(std::int64_t number) const { return std::to_string(number); }
-    std::string operator()(SHex number) const { return Hex(number.m_Value); }
+    std::string operator()(CHex number) const { return Hex(number.m_Value); }
     std::string operator()(bool flag) const { return flag ? "yes" : "no"; }
 };
 
-struct SToJson {
+struct CToJson {
     CJson operator()(std::monostate /*nothing*/) const { return nullptr; }
-    CJson operator()(SHex number) const { return number.m_Value; }
+    CJson operator()(CHex number) const { return number.m_Value; }
     template <typename T>
     CJson operator()(const T& value) const {
         return value;
@@ -36,31 +36,31 @@ std::string Padded(const std::string& text, std::size_t width, bool right) {
 }
 
 std::string TextOf(const CField& field) {
-    std::string text = std::visit(SToText(), field);
+    std::string text = std::visit(CToText(), field);
     if (text.size() > MAX_FIELD) {
         text.replace(MAX_FIELD, std::string::npos, "...");
     }
     return text;
 }
 CJson JsonOf(const CField& field) {
-    return std::visit(SToJson(), field);
+    return std::visit(CToJson(), field);
 }
 
 } // namespace
 
-void Print(std::ostream& out, const std::vector<SFact>& facts) {
+void Print(std::ostream& out, const std::vector<CFact>& facts) {
     std::size_t width = 0;
-    for (const SFact& fact : facts) {
+    for (const CFact& fact : facts) {
         width = std::max(width, fact.m_Title.size());
     }
-    for (const SFact& fact : facts) {
+    for (const CFact& fact : facts) {
         out << Padded(fact.m_Title, width, false) << "  " << TextOf(fact.m_Value) << '\n';
     }
 }
 
-CJson ToJson(const std::vector<SFact>& facts) {
+CJson ToJson(const std::vector<CFact>& facts) {
     CJson object = CJson::object();
-    for (const SFact& fact : facts) {
+    for (const CFact& fact : facts) {
         object[fact.m_Key] = JsonOf(fact.m_Value);
     }
     return object;

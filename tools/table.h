@@ -15,34 +15,34 @@ namespace marlune::tool {
 using CJson = nlohmann::ordered_json;
 
 /// A number that people read in hexadecimal.
-struct SHex {
+struct CHex {
     std::uint64_t m_Value;
 };
 
 /// One field. Nothing and an empty text print as "-"; nothing is null in JSON.
-using CField = std::variant<std::monostate, std::string, std::uint64_t, std::int64_t, SHex, bool>;
+using CField = std::variant<std::monostate, std::string, std::uint64_t, std::int64_t, CHex, bool>;
 
 /// One property of a whole file.
-struct SFact {
+struct CFact {
     std::string m_Title; // for people
     std::string m_Key;   // for scripts
     CField m_Value;
 };
 
 /// A line for each fact; an object with a member for each.
-void Print(std::ostream& out, const std::vector<SFact>& facts);
-CJson ToJson(const std::vector<SFact>& facts);
+void Print(std::ostream& out, const std::vector<CFact>& facts);
+CJson ToJson(const std::vector<CFact>& facts);
 
 /// Rows of fields under column titles.
 class CTable {
 public:
-    struct SColumn {
+    struct CColumn {
         std::string m_Title; // for people
         std::string m_Key;   // for scripts
         bool m_Right = false;
     };
 
-    explicit CTable(std::vector<SColumn> columns) : m_Columns(std::move(columns)) {}
+    explicit CTable(std::vector<CColumn> columns) : m_Columns(std::move(columns)) {}
 
     /// A field for each column.
     void AddRow(std::vector<CField> fields) { m_Rows.push_back(std::move(fields)); }
@@ -55,7 +55,7 @@ public:
     CJson Json() const;
 
 private:
-    std::vector<SColumn> m_Columns;
+    std::vector<CColumn> m_Columns;
     std::vector<std::vector<CField>> m_Rows;
 };
 

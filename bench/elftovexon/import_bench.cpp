@@ -147,16 +147,16 @@ BENCHMARK(BM_Import)
 
 /// What as many symbols and relocations cost at least: records of their own, and the names in a hash table.
 void BM_RecordsByHand(benchmark::State& state) {
-    struct SRecord {
+    struct CRecord {
         std::string m_Name;
         Elf64_Sym m_Symbol;
     };
     for ([[maybe_unused]] auto _ : state) {
-        std::vector<std::unique_ptr<SRecord>> symbols;
+        std::vector<std::unique_ptr<CRecord>> symbols;
         std::vector<std::unique_ptr<Elf64_Rela>> relocations;
-        std::unordered_map<std::string_view, SRecord*> names;
+        std::unordered_map<std::string_view, CRecord*> names;
         for (std::int64_t i = 0; i < state.range(0); ++i) {
-            symbols.push_back(std::make_unique<SRecord>(SRecord{"symbol_" + std::to_string(i), {}}));
+            symbols.push_back(std::make_unique<CRecord>(CRecord{"symbol_" + std::to_string(i), {}}));
             names.emplace(symbols.back()->m_Name, symbols.back().get());
         }
         for (std::int64_t i = 0; i < state.range(0); ++i) {

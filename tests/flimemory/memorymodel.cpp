@@ -136,8 +136,13 @@ void CTestedMemory::ServeDirectly(const std::vector<std::string>& ports) {
         mtiSignalIdT signal = m_Simulator.Signal(m_Model.m_Scope + port);
         const auto width = static_cast<std::uint32_t>(signal->m_Value.size());
         const std::uint32_t lowest = std::min(width, 64U);
-        signal->m_Place = {bits / 64, bits % 64, width, signal->m_Type->m_Kind == MTI_TYPE_ENUM ? 1U : 0U,
-                           ~std::uint64_t{0} >> (64 - lowest), bits % 64 + lowest > 64 ? 1U : 0U, 0};
+        signal->m_Place = {bits / 64,
+                           bits % 64,
+                           width,
+                           signal->m_Type->m_Kind == MTI_TYPE_ENUM ? 1U : 0U,
+                           ~std::uint64_t{0} >> (64 - lowest),
+                           bits % 64 + lowest > 64 ? 1U : 0U,
+                           0};
         bits += width;
         m_Signals.push_back(signal);
     }

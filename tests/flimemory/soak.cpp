@@ -81,9 +81,8 @@ private:
         CShape shape = shapes[m_Random() % 5];
         shape.m_Synchronous = m_Random() % 2 == 0;
         const std::string name = "u" + std::to_string(m_Memories.size());
-        m_Memories.push_back(
-            std::make_unique<CTestedMemory>(m_Simulator, m_Random, shape, "tb/" + name + ".mem", name + ".",
-                                            m_Random() % 2 == 0));
+        m_Memories.push_back(std::make_unique<CTestedMemory>(m_Simulator, m_Random, shape, "tb/" + name + ".mem",
+                                                             name + ".", m_Random() % 2 == 0));
         m_Names.push_back("tb_" + name + "_mem");
         m_Simulator.TakeLog();
     }
