@@ -147,6 +147,7 @@ std::string DescribeInstance(const mtiRegionIdTag& region) {
 std::string DescribeClosest(const std::deque<mtiRegionIdTag>& regions, const std::string& name) {
     constexpr std::size_t MOST = 10;
     std::vector<std::pair<std::size_t, std::string>> candidates;
+    candidates.reserve(regions.size());
     for (const mtiRegionIdTag& region : regions) {
         candidates.emplace_back(EditDistance(name, FixProjectName(region.m_Path)), region.m_Path);
     }

@@ -15,7 +15,7 @@
 namespace marlune::bridge {
 
 CSimulation& GetSimulation() {
-    static CSimulation* const simulation = new CSimulation(); // never destroyed: simulators call to the very end
+    static auto* const simulation = new CSimulation(); // never destroyed: simulators call to the very end
     return *simulation;
 }
 

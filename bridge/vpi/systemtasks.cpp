@@ -183,6 +183,7 @@ PLI_INT32 RunCall(PLI_BYTE8* userData) {
 void RegisterSystemTasks() {
     for (const CTask& task : TASKS) {
         // The interface has writable data, which it hands back only.
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
         auto* const userData = reinterpret_cast<PLI_BYTE8*>(const_cast<CTask*>(&task));
         t_vpi_systf_data data{vpiSysTask, 0, task.m_Name, RunCall, CheckCall, nullptr, userData};
         vpi_register_systf(&data);
