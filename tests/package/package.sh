@@ -69,10 +69,12 @@ expect ".data 42" fetch/consumer
 PKG_CONFIG_PATH=$(dirname "$libraries")/pkgconfig
 export PKG_CONFIG_PATH
 if has pkg-config; then
-    flags_of() { pkg-config --cflags --libs "$1"; }
-    quietly "$compiler" $flags "$root/examples/dpi/peek.cpp" $(flags_of marlune) -o results/peek
+    flags_of() { eval "used=($(pkg-config --cflags --libs "$1"))"; } # it quotes as for a shell
+    flags_of marlune
+    quietly "$compiler" $flags "$root/examples/dpi/peek.cpp" "${used[@]}" -o results/peek
     expect 42 results/peek image.vexon ram
-    quietly "$compiler" -std=c++17 $flags "$here/consumer/consumer.cpp" $(flags_of marlune-objectfile) -o results/consumer
+    flags_of marlune-objectfile
+    quietly "$compiler" -std=c++17 $flags "$here/consumer/consumer.cpp" "${used[@]}" -o results/consumer
     expect ".data 42" results/consumer
 fi
 has python3 && expect 42 env LD_LIBRARY_PATH="$(dirname "$libraries")" python3 "$root/examples/dpi/peek.py" image.vexon ram
