@@ -12,6 +12,9 @@ work=$(cd "$2" && pwd)
 rm -rf "$work"/{prefix,packages,results,package}
 mkdir "$work"/{packages,results}
 cd "$work"
+plain=$(mktemp -d) # make and Verilator take no blanks in paths
+lintian=
+trap 'rm -rf "$plain"; [[ -z $lintian ]] || kill "$lintian" 2> /dev/null || true' EXIT
 
 fail() {
     echo "$*" >&2
@@ -41,7 +44,6 @@ if has dpkg-deb && has cpack; then
     if has lintian; then # which takes long
         lintian --allow-root --no-user-dirs --fail-on error,warning packages/*.deb > packages/lintian.log 2>&1 &
         lintian=$!
-        trap 'kill "$lintian" 2> /dev/null || true' EXIT
     fi
 fi
 
@@ -80,8 +82,10 @@ fi
 has python3 && expect 42 env LD_LIBRARY_PATH="$(dirname "$libraries")" python3 "$root/examples/dpi/peek.py" image.vexon ram
 if has verilator && has pkg-config && has make; then
     expect "first byte: 42, read: 42" package/tb
-    quietly make -f "$here/consumer/Makefile" SOURCE="$here/consumer" tb
-    expect "first byte: 42, read: 42" ./tb
+    ln -s "$work/prefix" "$here/consumer" "$plain"
+    PKG_CONFIG_PATH=${PKG_CONFIG_PATH/#"$work"/"$plain"} \
+        quietly make -C "$plain" -f consumer/Makefile SOURCE=consumer tb
+    expect "first byte: 42, read: 42" "$plain/tb"
 fi
 
 # The examples write where the user says, and simulators find the libraries.
@@ -98,4 +102,4 @@ fi
 while read -r file; do
     [[ -f $root/hdl/$file ]] || fail "marlune.core names hdl/$file, which is not there"
 done < <(sed -n 's/^ *files: \[\(.*\)\]/\1/p' "$root/hdl/marlune.core" | tr -d ' ' | tr , '\n')
-[[ -z ${lintian-} ]] || wait "$lintian" || fail "$(cat packages/lintian.log)"
+[[ -z $lintian ]] || wait "$lintian" || fail "$(cat packages/lintian.log)"
