@@ -126,6 +126,16 @@ public:
                            [](const CModelSymbol& symbol) { return symbol.m_IsLost && symbol.m_Symbol->HasSection(); });
     }
 
+    /// Does the reader take each section to have as many lines as it has? It goes by the bytes, and where words are not
+    /// whole bytes, pieces that were added one by one can have fewer of these than their lines hold, or more.
+    bool AreLinesCounted() const {
+        return std::all_of(m_Sections.begin(), m_Sections.end(), [](const CModelSection& section) {
+            const CSectionData* const data = section.m_Section->GetSectionData();
+            const int bytesPerWord = section.m_Section->GetBytesPerWord();
+            return data == nullptr || data->Count() == (data->GetByteCount() + bytesPerWord - 1) / bytesPerWord;
+        });
+    }
+
     CObjectFile m_Image{8, 1, BO_LITTLE, "ram"};
 
 private:
@@ -450,5 +460,8 @@ std::string RunEdits(std::string_view bytes, const std::string& path) {
         return fault.what();
     }
     const std::string outcome = CheckImage(path);
+    if (!edits.AreLinesCounted()) {
+        return outcome == "error" || outcome == "loaded" ? "" : outcome;
+    }
     return outcome == (edits.IsAnyLost() ? "error" : "loaded") ? "" : outcome;
 }
