@@ -57,5 +57,5 @@ if [[ ${1-} == --all ]]; then
     check asan
     check clang
     check m32
-    cmake/check-style.sh build/clang
+    cmake/check-style.sh build/clang --product
 fi
