@@ -9,6 +9,7 @@
 
 #include "bridge/core/signal.h"
 #include "mti.h"
+#include "src/flimemory/projectname.h"
 
 /// A process: a function that runs after events on signals. The host decides when exactly.
 struct mtiProcessIdTag {
@@ -19,10 +20,12 @@ struct mtiProcessIdTag {
 
 /// An instance. It lives to the end of the run, as all that has a handle does.
 struct mtiRegionIdTag {
-    explicit mtiRegionIdTag(std::string path) : m_Path(std::move(path)) {}
+    explicit mtiRegionIdTag(std::string path) : m_Path(std::move(path)), m_Name(marlune::FixProjectName(m_Path)) {}
 
     /// The path as messages show it, "tb.memory" or "tb/memory".
     std::string m_Path;
+    /// By which the memory library knows the memory, "tb_memory".
+    std::string m_Name;
     std::string m_Parameters;
     bool m_IsMemory = false;              // of our own memory library
     std::deque<mtiSignalIdTag> m_Signals; // the ports, in the entity's order

@@ -105,22 +105,19 @@ std::string DescribeWrongParameter(const std::string& parameters) {
 }
 
 void WarnOfUnusedPorts(const mtiRegionIdTag& region) {
-    const std::vector<CPortGroup> groups = GroupsOf(region);
-    std::vector<std::string> prefixes;
+    std::vector<std::pair<std::string, std::vector<std::string>>> unused; // names by prefix, in the order of the ports
     for (const mtiSignalIdTag& signal : region.m_Signals) {
+        if (signal.m_IsUsed || MayBeUnused(signal.m_Name)) {
+            continue;
+        }
         const std::string prefix = foreign::fli::PrefixOf(signal.m_Name);
-        if (!signal.m_IsUsed && !MayBeUnused(signal.m_Name) &&
-            std::find(prefixes.begin(), prefixes.end(), prefix) == prefixes.end()) {
-            prefixes.push_back(prefix);
-        }
+        const auto known =
+            std::find_if(unused.begin(), unused.end(), [&](const auto& ports) { return ports.first == prefix; });
+        auto& ports = known != unused.end() ? *known : unused.emplace_back(prefix, std::vector<std::string>());
+        ports.second.push_back(signal.m_Name);
     }
-    for (const std::string& prefix : prefixes) {
-        std::vector<std::string> names;
-        for (const mtiSignalIdTag& signal : region.m_Signals) {
-            if (foreign::fli::PrefixOf(signal.m_Name) == prefix && !signal.m_IsUsed && !MayBeUnused(signal.m_Name)) {
-                names.push_back(signal.m_Name);
-            }
-        }
+    const std::vector<CPortGroup> groups = unused.empty() ? std::vector<CPortGroup>() : GroupsOf(region);
+    for (const auto& [prefix, names] : unused) {
         const bool isOne = names.size() == 1;
         const CPortGroup* group = MostComplete(groups, prefix);
         PrintWarning(region.m_Path,
@@ -133,7 +130,7 @@ void WarnOfUnusedPorts(const mtiRegionIdTag& region) {
 
 std::string DescribeInstance(const mtiRegionIdTag& region) {
     const foreign::fli::CParameters parameters = foreign::fli::ParseParameters(region.m_Parameters);
-    std::string text = region.m_Path + ": name " + FixProjectName(region.m_Path) + ", mode " +
+    std::string text = region.m_Path + ": name " + region.m_Name + ", mode " +
                        (parameters.m_ReadIsSynchronous ? "1" : "0") + ", width " +
                        std::to_string(parameters.m_ByteBitWidth) + ", size " + std::to_string(parameters.m_SizeInBytes);
     for (const CPortGroup& group : GroupsOf(region)) {
@@ -149,7 +146,7 @@ std::string DescribeClosest(const std::deque<mtiRegionIdTag>& regions, const std
     std::vector<std::pair<std::size_t, std::string>> candidates;
     candidates.reserve(regions.size());
     for (const mtiRegionIdTag& region : regions) {
-        candidates.emplace_back(EditDistance(name, FixProjectName(region.m_Path)), region.m_Path);
+        candidates.emplace_back(EditDistance(name, region.m_Name), region.m_Path);
     }
     if (candidates.empty()) {
         return "There is no memory.";

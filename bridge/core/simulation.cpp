@@ -54,9 +54,10 @@ void CSimulation::Elaborate(mtiRegionIdTag& region, CInitFunction init, const st
         CheckWidth(region);
     }
     std::string text = parameters; // the interface has writable texts
-    g_Current = &region;
-    init(&region, text.data(), nullptr, region.m_Ports.data());
-    g_Current = nullptr;
+    {
+        const CCurrentInstance current(&region);
+        init(&region, text.data(), nullptr, region.m_Ports.data());
+    }
     if (region.m_IsMemory) {
         WarnOfUnusedPorts(region);
         LoadFromCommandLine(region);
@@ -64,7 +65,7 @@ void CSimulation::Elaborate(mtiRegionIdTag& region, CInitFunction init, const st
 }
 
 void CSimulation::LoadFromCommandLine(mtiRegionIdTag& region) {
-    g_Current = &region;
+    const CCurrentInstance current(&region);
     for (CLoadOption& option : m_Options.m_Loads) {
         if (option.m_IsDone || FindInstance(option.m_Path) != &region) {
             continue;
@@ -80,7 +81,6 @@ void CSimulation::LoadFromCommandLine(mtiRegionIdTag& region) {
         }
         Load(option.m_Path, option.m_File, *option.m_AddressSpace, option.m_Base, option.m_Bank, option.m_Banks);
     }
-    g_Current = nullptr;
 }
 
 void CSimulation::Start() {
@@ -105,9 +105,8 @@ void CSimulation::Start() {
 }
 
 void CSimulation::Run(const mtiProcessIdTag& process) {
-    g_Current = process.m_Region;
+    const CCurrentInstance current(process.m_Region);
     process.m_Function(process.m_Argument);
-    g_Current = nullptr;
 }
 
 mtiProcessIdT CSimulation::CreateProcess(mtiVoidFuncPtrT function, void* argument) {

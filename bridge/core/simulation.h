@@ -95,6 +95,18 @@ inline std::string GetCurrentPath() {
     return g_Current != nullptr ? g_Current->m_Path : "";
 }
 
+/// Makes an instance the current one while it exists.
+class CCurrentInstance {
+public:
+    explicit CCurrentInstance(mtiRegionIdT region) : m_Before(std::exchange(g_Current, region)) {}
+    ~CCurrentInstance() { g_Current = m_Before; }
+    CCurrentInstance(const CCurrentInstance&) = delete;
+    CCurrentInstance& operator=(const CCurrentInstance&) = delete;
+
+private:
+    mtiRegionIdT m_Before;
+};
+
 } // namespace marlune::bridge
 
 #endif

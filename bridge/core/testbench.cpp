@@ -29,19 +29,14 @@ std::string NameOf(std::string path) {
 /// Makes errors name the instance of the path while it exists.
 class CAccess {
 public:
-    explicit CAccess(const std::string& path) : m_Before(g_Current) {
-        g_Current = FindInstance(path);
-        m_Name = g_Current != nullptr ? FixProjectName(g_Current->m_Path) : NameOf(path);
-    }
-    ~CAccess() { g_Current = m_Before; }
-    CAccess(const CAccess&) = delete;
-    CAccess& operator=(const CAccess&) = delete;
+    explicit CAccess(const std::string& path)
+        : m_Current(FindInstance(path)), m_Name(g_Current != nullptr ? g_Current->m_Name : NameOf(path)) {}
 
     /// By which the memory library knows the memory.
     const std::string& GetName() const { return m_Name; }
 
 private:
-    mtiRegionIdT m_Before;
+    CCurrentInstance m_Current;
     std::string m_Name;
 };
 
@@ -107,11 +102,10 @@ mtiRegionIdT FindInstance(const std::string& path) {
     const std::string name = NameOf(path);
     mtiRegionIdT found = nullptr;
     for (mtiRegionIdTag& region : GetSimulation().GetInstances()) {
-        const std::string known = FixProjectName(region.m_Path);
-        if (known == name) {
+        if (region.m_Name == name) {
             return &region;
         }
-        if (strcasecmp(known.c_str(), name.c_str()) == 0) {
+        if (strcasecmp(region.m_Name.c_str(), name.c_str()) == 0) {
             found = &region;
         }
     }

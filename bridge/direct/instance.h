@@ -63,10 +63,8 @@ public:
     /// Wakes the instance's process at the time with the number, which is 0 at time 0 and differs from one time to the
     /// next. Returns a marlune_direct_result.
     int Wake(std::uint32_t number, marlune_direct_clock clock) {
-        g_Current = &m_Region;
-        const int result = marlune_direct_wake(m_Process, number, clock, m_Inputs.data(), m_Outputs.data());
-        g_Current = nullptr;
-        return result;
+        const CCurrentInstance current(&m_Region);
+        return marlune_direct_wake(m_Process, number, clock, m_Inputs.data(), m_Outputs.data());
     }
 
 private:
