@@ -125,30 +125,29 @@ std::uint32_t NumberOf(const CVhdlArray& elements) {
     return static_cast<std::uint32_t>(marlune::fli::NumberOfElements(first, static_cast<int>(elements.GetLength())));
 }
 
-constexpr std::uint32_t RECORD_BITS = 32;
-
 /// The value that the elements stand for; of more than a cell can have the first ones are lost.
 CCellValue ValueOf(const CVhdlArray& elements) {
-    CCellValue value{};
     const auto* first = reinterpret_cast<const unsigned char*>(elements.m_Base);
-    std::uint32_t left = elements.GetLength();
-    for (svLogicVecVal& record : value) {
-        const std::uint32_t taken = std::min(left, RECORD_BITS);
-        left -= taken;
-        record.aval = static_cast<std::uint32_t>(marlune::fli::NumberOfElements(first + left, static_cast<int>(taken)));
+    const auto word = marlune::fli::WordOfElements(first, static_cast<int>(elements.GetLength()));
+    CCellValue value{};
+    for (unsigned limb = 0; limb < value.size(); ++limb) {
+        value[limb].aval = word.Limb(limb);
     }
     return value;
 }
 
 /// The elements that stand for the low bits of the value; those beyond its width become '0'.
 void WriteValue(const CCellValue& value, const CVhdlArray& elements) {
-    auto* const first = reinterpret_cast<unsigned char*>(elements.m_Base);
-    std::uint32_t left = elements.GetLength();
-    for (std::size_t i = 0; left > 0; ++i) {
-        const std::uint32_t written = i < value.size() ? std::min(left, RECORD_BITS) : left;
-        left -= written;
-        marlune::fli::ElementsOfNumber(i < value.size() ? value[i].aval : 0, first + left, static_cast<int>(written));
+    constexpr std::uint32_t VALUE_BITS = 1024;
+    marlune_int<VALUE_BITS, true> word;
+    for (unsigned limb = 0; limb < value.size(); ++limb) {
+        word.SetLimb(limb, value[limb].aval);
     }
+    const std::uint32_t written = std::min(elements.GetLength(), VALUE_BITS);
+    auto* const first = reinterpret_cast<unsigned char*>(elements.m_Base);
+    auto* const end = first + elements.GetLength();
+    std::fill(first, end - written, marlune::fli::POSITION_0);
+    marlune::fli::ElementsOfWord(word, end - written, static_cast<int>(written));
 }
 
 } // namespace
