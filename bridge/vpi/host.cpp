@@ -45,6 +45,12 @@ std::string GetText(PLI_INT32 property, vpiHandle object) {
     return text != nullptr ? text : "";
 }
 
+std::string GetTextValue(vpiHandle object) {
+    t_vpi_value value{vpiStringVal, {nullptr}};
+    vpi_get_value(object, &value);
+    return value.value.str != nullptr ? value.value.str : "";
+}
+
 std::vector<vpiHandle> GetObjects(PLI_INT32 type, vpiHandle scope) {
     std::vector<vpiHandle> objects;
     vpiHandle iterator = vpi_iterate(type, scope);

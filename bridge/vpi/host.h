@@ -97,6 +97,9 @@ std::unique_ptr<CVpiHost> MakeIcarus();
 /// A text property, copied: simulators use one buffer for all.
 std::string GetText(PLI_INT32 property, vpiHandle object);
 
+/// A value as a text, empty for none.
+std::string GetTextValue(vpiHandle object);
+
 /// Assigns 1 to an object of one bit; null is left alone.
 void PutOne(vpiHandle object);
 

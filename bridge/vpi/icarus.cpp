@@ -28,12 +28,7 @@ public:
 
     std::optional<std::string> FindForeignText(vpiHandle scope) const override {
         vpiHandle parameter = FindObject(vpiParameter, scope, FOREIGN_OBJECT);
-        if (parameter == nullptr) {
-            return std::nullopt;
-        }
-        t_vpi_value value{vpiStringVal, {nullptr}};
-        vpi_get_value(parameter, &value);
-        return value.value.str != nullptr ? value.value.str : "";
+        return parameter != nullptr ? std::optional(GetTextValue(parameter)) : std::nullopt;
     }
 
     /// A port object has no value: the net or variable of its name has it.

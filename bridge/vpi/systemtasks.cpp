@@ -35,11 +35,7 @@ public:
     }
     PLI_INT32 GetSize(std::size_t index) const { return vpi_get(vpiSize, m_Arguments[index]); }
 
-    std::string GetTextValue(std::size_t index) const {
-        t_vpi_value value{vpiStringVal, {nullptr}};
-        vpi_get_value(m_Arguments[index], &value);
-        return value.value.str != nullptr ? value.value.str : "";
-    }
+    std::string GetTextValue(std::size_t index) const { return bridge::GetTextValue(m_Arguments[index]); }
 
     /// An unsigned number of 32 bits, or the default when there is no such argument.
     std::uint32_t GetNumber(std::size_t index, std::uint32_t otherwise = 0) const {
