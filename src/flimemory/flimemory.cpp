@@ -38,8 +38,8 @@ CStorageRegistry g_Storages;
 /// The loaded program images by file name, as passed.
 std::map<std::string, std::unique_ptr<const ObjectFile::CObjectFile>> g_Executables;
 
-/// The last load, for a question that may follow. It is forgotten with the image.
-std::optional<CPastLoad> g_LastLoad;
+/// The image and the address space of the last load, if it stored nothing. They are forgotten with the image.
+std::optional<std::pair<const ObjectFile::CObjectFile*, std::string>> g_EmptyLoad;
 
 /// The one way in which an error leaves the library: its text goes into the simulator's Tcl variable, as it is, and the
 /// simulation stops.
@@ -198,8 +198,8 @@ const char* marlune_direct_load_warning() {
     static std::string text;
     text.clear();
     RunGuarded([&] {
-        if (g_LastLoad && marlune::foreign::HasStoredNothing(*g_LastLoad)) {
-            text = marlune::foreign::DescribeEmptyLoad(*g_LastLoad);
+        if (g_EmptyLoad) {
+            text = marlune::foreign::DescribeEmptyLoad(*g_EmptyLoad->first, g_EmptyLoad->second);
         }
     });
     return text.empty() ? nullptr : text.c_str();
@@ -233,7 +233,7 @@ void marlune_direct_visit_cells(const char* name, uint32_t first, uint32_t last,
 void CleanCallback(void* param) {
     std::unique_ptr<CProcessInfo> process(static_cast<CProcessInfo*>(param));
     RunGuarded([&] {
-        g_LastLoad.reset();
+        g_EmptyLoad.reset();
         g_Executables.clear();
         const std::unique_ptr<CProcessInfo> released = std::move(process); // gone before an error is reported
         if (released != nullptr) {
@@ -250,11 +250,11 @@ void marlune_dpi_memory_init(char const* name, char const* fileName, char const*
         const std::string space = addressSpace != nullptr ? addressSpace : "";
         const ObjectFile::CObjectFile& image = Executable(RequireNonNull(fileName, "File name"));
         CStorage& storage = *GetStorage(InstanceOfMemory(memory));
-        marlune::foreign::LoadMemory(storage, image, space, cellBase, lowAddress, highAddress, phase, stride, false);
-        g_LastLoad = {&image,
-                      space,
-                      {cellBase, lowAddress, highAddress, phase, stride},
-                      {storage.m_Name, storage.m_ByteBitWidth, storage.m_Size}};
+        g_EmptyLoad.reset();
+        if (!marlune::foreign::LoadMemory(storage, image, space, cellBase, lowAddress, highAddress, phase, stride,
+                                          false)) {
+            g_EmptyLoad = {&image, space};
+        }
     });
 }
 

@@ -75,20 +75,24 @@ private:
 };
 
 /// Copies the sections of one address space into a memory, a LAU to a cell, as PlanSection says. Cells that no section
-/// covers keep their contents. Throws what PlanSection does; what was stored before stays.
+/// covers keep their contents. Returns whether a section had a LAU for the memory. Throws what PlanSection does; what
+/// was stored before stays.
 template <typename TStorage>
-void LoadMemory(TStorage& storage, ObjectFile::CObjectFile const& objectFile, std::string const& addressSpace,
+bool LoadMemory(TStorage& storage, ObjectFile::CObjectFile const& objectFile, std::string const& addressSpace,
                 unsigned int cellBase, unsigned int lowAddress, unsigned int highAddress, unsigned int phase,
                 unsigned int stride, bool includeStackHeap) {
     const CLoadWindow window{cellBase, lowAddress, highAddress, phase, stride};
     const CLoadTarget target{storage.m_Name, storage.m_ByteBitWidth, storage.m_Size};
+    bool hasStored = false;
     for (int i = 0; i < objectFile.SectionsCount(); ++i) {
         const ObjectFile::CSection& section = *objectFile.GetSection(i);
         if (const auto copy = PlanSection(section, objectFile, addressSpace, window, target, includeStackHeap)) {
             CUnitCopier<TStorage>(storage, *section.GetSectionData(), *copy)
                 .Copy(copy->m_Index, copy->m_Cell, copy->m_Count);
+            hasStored = true;
         }
     }
+    return hasStored;
 }
 
 } // namespace marlune::foreign

@@ -1,6 +1,8 @@
 // Finds out why a load stored nothing.
 #include "src/flimemory/loadreport.h"
 
+#include "src/flimemory/loadplan.h"
+
 namespace marlune::foreign {
 
 std::set<std::string> LoadableSpaces(const ObjectFile::CObjectFile& image) {
@@ -16,23 +18,13 @@ std::set<std::string> LoadableSpaces(const ObjectFile::CObjectFile& image) {
     return spaces;
 }
 
-bool HasStoredNothing(const CPastLoad& load) {
-    for (int i = 0; i < load.m_Image->SectionsCount(); ++i) {
-        if (PlanSection(*load.m_Image->GetSection(i), *load.m_Image, load.m_AddressSpace, load.m_Window, load.m_Target,
-                        false)) {
-            return false;
-        }
+std::string DescribeEmptyLoad(const ObjectFile::CObjectFile& image, const std::string& addressSpace) {
+    const std::set<std::string> spaces = LoadableSpaces(image);
+    std::string text = "Nothing was loaded from '" + image.GetFileName() + "': ";
+    if (spaces.count(addressSpace) > 0) {
+        return text + "address space '" + addressSpace + "' has no LAU for these addresses and cells.";
     }
-    return true;
-}
-
-std::string DescribeEmptyLoad(const CPastLoad& load) {
-    const std::set<std::string> spaces = LoadableSpaces(*load.m_Image);
-    std::string text = "Nothing was loaded from '" + load.m_Image->GetFileName() + "': ";
-    if (spaces.count(load.m_AddressSpace) > 0) {
-        return text + "address space '" + load.m_AddressSpace + "' has no LAU for these addresses and cells.";
-    }
-    text += "it has nothing in address space '" + load.m_AddressSpace + "'.";
+    text += "it has nothing in address space '" + addressSpace + "'.";
     if (!spaces.empty()) {
         text += " It has address space";
         const char* separator = spaces.size() > 1 ? "s '" : " '";
