@@ -87,12 +87,6 @@ TEST_F(CDamage, EachWrongLineIsNamed) {
     }
 }
 
-#ifdef __SANITIZE_ADDRESS__
-constexpr long CLAIM_LIMIT = 500000; // KiB; the sanitizer holds freed memory back
-#else
-constexpr long CLAIM_LIMIT = 60000;
-#endif
-
 TEST_F(CDamage, ClaimsTakeNoMemory) {
     const long before = PeakMemory();
     const CTestFile file;

@@ -43,6 +43,13 @@ std::string LoadError(const std::string& text);
 /// Resident memory of this process at its largest, in KiB.
 long PeakMemory();
 
+/// By how much it may grow while files claim what they do not hold, in KiB.
+#ifdef __SANITIZE_ADDRESS__
+constexpr long CLAIM_LIMIT = 500000; // the sanitizer holds freed memory back
+#else
+constexpr long CLAIM_LIMIT = 60000;
+#endif
+
 /// What `action` writes to the standard error stream.
 template <typename TAction>
 std::string ErrorOutput(TAction action) {

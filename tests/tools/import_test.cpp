@@ -261,12 +261,6 @@ TEST(Import, FormatsAreRecognisedByContent) {
     EXPECT_EQ(recognise(std::string("12\0", 3)), "the file's contents show no known format");
 }
 
-#ifdef __SANITIZE_ADDRESS__
-constexpr long CLAIM_LIMIT = 500000; // KiB; the sanitizer holds freed memory back
-#else
-constexpr long CLAIM_LIMIT = 60000;
-#endif
-
 TEST(Import, EveryCutAndEveryFlippedByte) {
     const long before = PeakMemory();
     int imported = 0;
