@@ -1,38 +1,5 @@
--- The memories of the example beside marlune_memory itself: four shapes made from hdl/ghdl/marlune_memory.vhd. Each has
--- fixed widths, so it needs no generics.
-
--- Reads are synchronous: Q0 shows a value one edge after its address.
-library ieee;
-use ieee.std_logic_1164.all;
-use work.marlune_direct.all;
-
-entity synchronous_memory is
-  port (
-    CLK   : in  std_logic;
-    r_RE0 : in  std_logic;
-    r_RA0 : in  std_logic_vector(7 downto 0);
-    r_Q0  : out std_logic_vector(23 downto 0);
-    w_WE0 : in  std_logic;
-    w_WA0 : in  std_logic_vector(7 downto 0);
-    w_D0  : in  std_logic_vector(23 downto 0));
-end entity;
-
-architecture direct of synchronous_memory is
-begin
-
-  process (CLK, r_RA0, w_WE0, w_WA0, w_D0)
-    variable memory  : integer := open_memory(CLK'path_name, "1 24 0x100",
-      "r_RE0 r_RA0:8 w_WE0 w_WA0:8 w_D0:24 r_Q0:24");
-    variable outputs : std_logic_vector(23 downto 0);
-    variable changed : boolean;
-  begin
-    wake(memory, now, CLK, r_RE0 & r_RA0 & w_WE0 & w_WA0 & w_D0, outputs, changed);
-    if changed then
-      r_Q0 <= outputs;
-    end if;
-  end process;
-
-end architecture;
+-- Memories with other ports than marlune_memory, made from copies of hdl/ghdl/marlune_memory.vhd. Each has fixed
+-- widths, so it needs no generics.
 
 -- Two read ports, a write port and a shared port.
 library ieee;
@@ -103,39 +70,6 @@ begin
     wake(memory, now, CLK, p_CS0 & p_WE0 & p_A0 & p_D0, outputs, changed);
     if changed then
       p_Q0 <= outputs;
-    end if;
-  end process;
-
-end architecture;
-
--- The whole 32-bit address range, sparse.
-library ieee;
-use ieee.std_logic_1164.all;
-use work.marlune_direct.all;
-
-entity sparse_memory is
-  port (
-    CLK   : in  std_logic;
-    r_RE0 : in  std_logic;
-    r_RA0 : in  std_logic_vector(31 downto 0);
-    r_Q0  : out std_logic_vector(7 downto 0);
-    w_WE0 : in  std_logic;
-    w_WA0 : in  std_logic_vector(31 downto 0);
-    w_D0  : in  std_logic_vector(7 downto 0));
-end entity;
-
-architecture direct of sparse_memory is
-begin
-
-  process (CLK, r_RA0, w_WE0, w_WA0, w_D0)
-    variable memory  : integer := open_memory(CLK'path_name, "0 8 4294967295",
-      "r_RE0 r_RA0:32 w_WE0 w_WA0:32 w_D0:8 r_Q0:8");
-    variable outputs : std_logic_vector(7 downto 0);
-    variable changed : boolean;
-  begin
-    wake(memory, now, CLK, r_RE0 & r_RA0 & w_WE0 & w_WA0 & w_D0, outputs, changed);
-    if changed then
-      r_Q0 <= outputs;
     end if;
   end process;
 

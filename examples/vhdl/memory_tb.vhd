@@ -52,7 +52,9 @@ begin
               '0', std_logic_vector(dense.read_address(10 downto 0)), dense_q,
               dense.enable, std_logic_vector(dense.write_address(10 downto 0)), dense.data(31 downto 0));
 
-  synchronous_memory : entity work.synchronous_memory
+  -- Reads are synchronous: Q0 shows a value one edge after its address.
+  synchronous_memory : entity work.marlune_memory
+    generic map (ADDRESS_BITS => 8, DATA_BITS => 24, MODE => 1)
     port map (clk,
               '1', std_logic_vector(sync.read_address(7 downto 0)), sync_q,
               sync.enable, std_logic_vector(sync.write_address(7 downto 0)), sync.data(23 downto 0));
@@ -71,7 +73,9 @@ begin
   wide_memory : entity work.wide_memory
     port map (clk, wide_select, wide.enable, std_logic_vector(wide.read_address(5 downto 0)), wide.data, wide_q);
 
-  sparse_memory : entity work.sparse_memory
+  -- The whole 32-bit address range, sparse.
+  sparse_memory : entity work.marlune_memory
+    generic map (ADDRESS_BITS => 32, DATA_BITS => 8)
     port map (clk,
               '1', std_logic_vector(sparse.read_address), sparse_q,
               sparse.enable, std_logic_vector(sparse.write_address), sparse.data(7 downto 0));
