@@ -14,6 +14,8 @@ import tempfile
 ROUNDS = int(os.environ.get("ROUNDS", 15))
 SOURCES = pathlib.Path(__file__).resolve().parent
 HDL = SOURCES.parent / "hdl"
+EXAMPLE = SOURCES.parent / "examples" / "riscv"
+NATIVE = EXAMPLE / "native_memory.sv"
 
 
 def build(*command):
@@ -38,11 +40,12 @@ def verilator(libraries):
     cycles = 1_000_000
     own = [HDL / "marlune_dpi.sv", HDL / "marlune_memory.sv"]
     floor = [SOURCES / "simulators" / "floor.cpp"]
+    native = ["-DMEMORY=marlune_memory", NATIVE]
     linked = ["-LDFLAGS", f"-L{libraries} -Wl,-rpath,{libraries} -lmarlune_direct -lmarlune_fli_memory"]
     variants = {"test bench": ([], []),
-                "native array": (["-DMEMORY=native_memory"], []),
-                "one call at the edge": (["-DMEMORY=single_call_memory"], floor),
-                "calls after the registers": (["-DMEMORY=late_call_memory"], floor)}
+                "native array": (native, []),
+                "one call at the edge": (["-DMEMORY=floor_memory", "-DMODE=0", "floor_memory.sv"], floor),
+                "calls after the registers": (["-DMEMORY=floor_memory", "-DMODE=1", "floor_memory.sv"], floor)}
     for mode in 0, 1:
         memory = ["-DMEMORY=marlune_memory", f"-DMODE={mode}", *own]
         variants[f"as library, mode {mode}"] = (memory, floor)
@@ -51,7 +54,7 @@ def verilator(libraries):
     for number, (name, (sources, objects)) in enumerate(variants.items()):
         folder = f"verilator{number}"
         build("verilator", "--binary", "--timing", "-Wno-fatal", "--Mdir", folder, "--top-module", "cycle_tb",
-              f"-DCYCLES={cycles}", *sources, "native_memory.sv", "floor_memory.sv", "cycle_tb.sv", *objects)
+              f"-DCYCLES={cycles}", *sources, "cycle_tb.sv", *objects)
         commands[name] = [f"{folder}/Vcycle_tb"]
     return "Verilator", cycles, commands, "calls after the registers"
 
@@ -59,14 +62,15 @@ def verilator(libraries):
 def icarus(libraries):
     cycles = 100_000
     bridge = [f"-M{libraries}", "-mmarlune_fli"]
+    memory = ["-DMEMORY=marlune_memory", HDL / "marlune_memory.v"]
     commands = {}
-    for name, defines, modules in (("test bench", [], []),
-                                   ("native array", ["-DMEMORY=native_memory"], []),
-                                   ("library, mode 0", ["-DMEMORY=marlune_memory", "-DMODE=0"], bridge),
-                                   ("library, mode 1", ["-DMEMORY=marlune_memory", "-DMODE=1"], bridge)):
+    for name, sources, modules in (("test bench", [], []),
+                                   ("native array", ["-DMEMORY=marlune_memory", NATIVE], []),
+                                   ("library, mode 0", ["-DMODE=0", *memory], bridge),
+                                   ("library, mode 1", ["-DMODE=1", *memory], bridge)):
         program = f"{len(commands)}.vvp"
-        build("iverilog", "-g2012", "-s", "cycle_tb", f"-DCYCLES={cycles}", *defines, "-o", program,
-              HDL / "marlune_memory.v", "native_memory.sv", "cycle_tb.sv")
+        build("iverilog", "-g2012", "-s", "cycle_tb", f"-DCYCLES={cycles}", "-o", program, *sources,
+              "cycle_tb.sv")
         commands[name] = ["vvp", *modules, program]
     return "Icarus Verilog", cycles, commands, "native array"
 
@@ -91,12 +95,11 @@ def ghdl(libraries):
 def processor(libraries):
     """The whole design of examples/riscv, with its memories in the library, in arrays of the language, and in bare arrays
     behind the library's own calls."""
-    example = SOURCES.parent / "examples" / "riscv"
     for simulator in "verilator", "icarus":
-        build(example / "run.sh", libraries, simulator, "--into", "library")
-        build(example / "run.sh", libraries, simulator, "--into", "native", "--native")
+        build(EXAMPLE / "run.sh", libraries, simulator, "--into", "library")
+        build(EXAMPLE / "run.sh", libraries, simulator, "--into", "native", "--native")
     build("verilator", "--binary", "--timing", "-Wno-fatal", "--Mdir", "floor", "--top-module", "processor_tb",
-          HDL / "marlune_dpi.sv", HDL / "marlune_memory.sv", example / "processor.sv", example / "processor_tb.sv",
+          HDL / "marlune_dpi.sv", HDL / "marlune_memory.sv", EXAMPLE / "processor.sv", EXAMPLE / "processor_tb.sv",
           "floor.cpp")
     os.environ["LD_LIBRARY_PATH"] = str(libraries)
     plain = ["+program=native/program.mem", "+data=native/data.mem"]
