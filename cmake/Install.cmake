@@ -45,11 +45,9 @@ set(public_headers
     include/marlune_dpi.h
     include/marlune_int
     include/number_cast
-    objectfile/bitstore.h
     objectfile/errors.h
     objectfile/expansiontable.h
     objectfile/lineinfo.h
-    objectfile/linestore.h
     objectfile/memoryorganization.h
     objectfile/objectfile.h
     objectfile/objectfileutils.h
@@ -64,7 +62,6 @@ set(public_headers
     objectfile/streams.h
     objectfile/symbol.h
     objectfile/symboltable.h
-    objectfile/textlines.h
     objectfile/utils.h)
 foreach(header IN LISTS public_headers)
     get_filename_component(folder "${header}" DIRECTORY)

@@ -144,7 +144,7 @@ void CSection::CheckAbsoluteSectionAddressAlignment() const {
     std::cerr << "Error: absolute address " << std::hex << m_MemoryByteAddress << " of a section " << m_Name
               << " from object file " << (m_Owner != nullptr ? m_Owner->GetFileName() : std::string())
               << " does not match its byte alignment " << std::dec << m_ByteAddressAlignment << ".\n";
-    std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): the library has one thread
+    std::exit(EXIT_FAILURE);
 }
 
 bool CSection::IsStack(bool checkSymbols) const {

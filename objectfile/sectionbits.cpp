@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "objectfile/bitdigits.h"
+#include "objectfile/linestore.h"
 #include "objectfile/sectiondata.h"
 
 namespace ObjectFile {
@@ -66,7 +67,7 @@ bool CSectionData::GetByteBits(int address, std::uint64_t* limbs) const {
         return false;
     }
     const std::uint64_t begin = BitPosition(address);
-    CBitReader bits(m_Lines.Bits());
+    CBitReader bits(m_Lines->Bits());
     auto rest = static_cast<unsigned>(m_ByteBitSize);
     for (; rest > 0; ++limbs) {
         const unsigned piece = std::min(rest, LIMB_BITS);
@@ -85,7 +86,7 @@ int CSectionData::CopyBytes(int first, int stride, int count, bool reversed, std
     if (copied < 1) {
         return 0;
     }
-    CBitReader bits(m_Lines.Bits());
+    CBitReader bits(m_Lines->Bits());
     const auto size = static_cast<unsigned>(m_ByteBitSize);
     const bool isContiguous = m_WordBitSize == m_BytesPerWord * m_ByteBitSize;
     const CSplit splitLimbs = SplitFor(m_ByteBitSize);
@@ -104,9 +105,9 @@ bool CSectionData::IsUntouchedZero(int first, int count) const {
     if (first < 0 || count < 1 || PackedEnd(first) < static_cast<std::int64_t>(first) + count) {
         return false;
     }
-    const std::uint64_t begin = m_Lines.BitPosition(first / m_BytesPerWord);
-    const std::uint64_t end = m_Lines.BitPosition((first + (count - 1)) / m_BytesPerWord + 1);
-    return m_Lines.Bits().IsUntouched(begin, end - begin);
+    const std::uint64_t begin = m_Lines->BitPosition(first / m_BytesPerWord);
+    const std::uint64_t end = m_Lines->BitPosition((first + (count - 1)) / m_BytesPerWord + 1);
+    return m_Lines->Bits().IsUntouched(begin, end - begin);
 }
 
 std::int64_t CSectionData::PackedEnd(int address) const {
@@ -115,17 +116,17 @@ std::int64_t CSectionData::PackedEnd(int address) const {
     }
     const int last = Count() - 1;
     std::int64_t end = static_cast<std::int64_t>(Count()) * m_BytesPerWord;
-    if (const int irregular = m_Lines.NextIrregular(address / m_BytesPerWord); irregular >= 0) {
+    if (const int irregular = m_Lines->NextIrregular(address / m_BytesPerWord); irregular >= 0) {
         end = static_cast<std::int64_t>(irregular) * m_BytesPerWord;
     } else if (last >= 0) {
         end = static_cast<std::int64_t>(last) * m_BytesPerWord +
-              std::min<std::int64_t>(m_Lines.Length(last) / m_ByteBitSize, m_BytesPerWord);
+              std::min<std::int64_t>(m_Lines->Length(last) / m_ByteBitSize, m_BytesPerWord);
     }
     return std::min<std::int64_t>(end, m_ByteCount);
 }
 
 std::uint64_t CSectionData::BitPosition(std::int64_t address) const {
-    return m_Lines.BitPosition(static_cast<int>(address / m_BytesPerWord)) +
+    return m_Lines->BitPosition(static_cast<int>(address / m_BytesPerWord)) +
            static_cast<std::uint64_t>(address % m_BytesPerWord) * static_cast<std::uint64_t>(m_ByteBitSize);
 }
 

@@ -6,38 +6,51 @@
 #include <stdexcept>
 
 #include "objectfile/bitdigits.h"
+#include "objectfile/linestore.h"
 
 namespace ObjectFile {
 
 CSectionData::CSectionData(int lineAddress, int byteCount, int wordBitSize, int bytesPerWord)
-    : m_Lines(wordBitSize), m_LineAddress(lineAddress), m_ByteCount(byteCount), m_WordBitSize(wordBitSize),
-      m_BytesPerWord(bytesPerWord), m_ByteBitSize(ByteBitSizeOf(wordBitSize, bytesPerWord)) {}
+    : m_Lines(std::make_unique<CLineStore>(wordBitSize)), m_LineAddress(lineAddress), m_ByteCount(byteCount),
+      m_WordBitSize(wordBitSize), m_BytesPerWord(bytesPerWord),
+      m_ByteBitSize(ByteBitSizeOf(wordBitSize, bytesPerWord)) {}
 
 CSectionData::CSectionData(int wordBitSize, int bytesPerWord) : CSectionData(0, 0, wordBitSize, bytesPerWord) {}
 
+CSectionData::CSectionData(const CSectionData& other)
+    : CPersistentObject(other), m_Lines(std::make_unique<CLineStore>(*other.m_Lines)),
+      m_LineAddress(other.m_LineAddress), m_ByteCount(other.m_ByteCount), m_WordBitSize(other.m_WordBitSize),
+      m_BytesPerWord(other.m_BytesPerWord), m_ByteBitSize(other.m_ByteBitSize) {}
+
+CSectionData::~CSectionData() = default;
+
 int CSectionData::ByteBitSizeOf(int wordBitSize, int bytesPerWord) {
     return wordBitSize > 0 && bytesPerWord > 0 ? wordBitSize / bytesPerWord : 0;
+}
+
+int CSectionData::Count() const {
+    return m_Lines->Count();
 }
 
 // --- The file
 
 void CSectionData::LoadFromStream(CInputStream& in, Queue& /*queue*/) {
     RequireByteSize();
-    m_Lines.Clear();
+    m_Lines->Clear();
     const int lines = m_ByteCount / m_BytesPerWord + (m_ByteCount % m_BytesPerWord != 0 ? 1 : 0);
     while (Count() < lines) {
         const int before = Count();
         const std::string_view buffered = in.Peek(static_cast<std::size_t>(m_WordBitSize) + 2);
-        const std::size_t used = m_Lines.AddRun(buffered, in.GetDelimiter(), lines - before);
+        const std::size_t used = m_Lines->AddRun(buffered, in.GetDelimiter(), lines - before);
         in.Consume(used, Count() - before);
         if (used == 0) {
-            m_Lines.Add(in.GetLine());
+            m_Lines->Add(in.GetLine());
         }
     }
 }
 
 void CSectionData::SaveToStream(COutputStream& out, Queue& /*queue*/) {
-    m_Lines.SaveToStream(out);
+    m_Lines->SaveToStream(out);
 }
 
 // --- Bytes and words as text
@@ -48,17 +61,17 @@ std::string CSectionData::GetByte(int address) const {
 
 void CSectionData::SetByte(int address, const std::string& text) {
     const CPlace place = Locate(address, "Address out of range while writing byte");
-    m_Lines.Replace(place.m_Line, place.m_Position, place.m_Length, text);
+    m_Lines->Replace(place.m_Line, place.m_Position, place.m_Length, text);
 }
 
 std::string CSectionData::GetWord(int index) const {
     RequireLine(index, "Address out of range while reading word");
-    return m_Lines.Text(index);
+    return m_Lines->Text(index);
 }
 
 void CSectionData::SetWord(int index, const std::string& text) {
     RequireLine(index, "Address out of range while writing word");
-    m_Lines.Set(index, text);
+    m_Lines->Set(index, text);
 }
 
 int CSectionData::GetByteLength(int address) const {
@@ -69,7 +82,7 @@ std::string CSectionData::GetByteDigits(int address, int first, int count) const
     const CPlace place = Locate(address, "Address out of range while reading byte");
     const std::int64_t begin = std::min<std::int64_t>(std::max(first, 0), place.m_Length);
     const std::int64_t length = std::min<std::int64_t>(std::max(count, 0), place.m_Length - begin);
-    return m_Lines.Text(place.m_Line, place.m_Position + begin, length);
+    return m_Lines->Text(place.m_Line, place.m_Position + begin, length);
 }
 
 CSectionData::CPlace CSectionData::Locate(int address, const char* error) const {
@@ -78,7 +91,7 @@ CSectionData::CPlace CSectionData::Locate(int address, const char* error) const 
     }
     const int line = address / m_BytesPerWord;
     const std::int64_t position = static_cast<std::int64_t>(address % m_BytesPerWord) * m_ByteBitSize;
-    const std::int64_t rest = m_Lines.Length(line) - position;
+    const std::int64_t rest = m_Lines->Length(line) - position;
     if (rest <= 0) {
         throw std::out_of_range("basic_string::substr");
     }
@@ -108,14 +121,14 @@ void CSectionData::Add(std::string_view bits) {
     GrowByteCount(static_cast<std::int64_t>(bits.size()) / m_ByteBitSize);
     if (HasOpenLine()) {
         // A part of a byte at the line's end does not count: the line may grow beyond the word.
-        const std::int64_t whole = m_Lines.Length(Count() - 1) / m_ByteBitSize * m_ByteBitSize;
+        const std::int64_t whole = m_Lines->Length(Count() - 1) / m_ByteBitSize * m_ByteBitSize;
         const std::string_view topUp = bits.substr(0, static_cast<std::size_t>(m_WordBitSize - whole));
-        m_Lines.Extend(topUp);
+        m_Lines->Extend(topUp);
         bits.remove_prefix(topUp.size());
     }
     while (!bits.empty()) {
         const std::string_view line = bits.substr(0, static_cast<std::size_t>(m_WordBitSize));
-        m_Lines.Add(line);
+        m_Lines->Add(line);
         bits.remove_prefix(line.size());
     }
 }
@@ -127,7 +140,7 @@ void CSectionData::AddPacked(const std::uint64_t* limbs, std::int64_t count) {
     RequireByteSize();
     if (EndsInWholeBytes()) {
         GrowByteCount(count / m_ByteBitSize);
-        m_Lines.AppendPacked(limbs, count);
+        m_Lines->AppendPacked(limbs, count);
         return;
     }
     std::string text(static_cast<std::size_t>(count), '0');
@@ -142,7 +155,7 @@ bool CSectionData::HasOpenLine() const {
     if (Count() == 0) {
         return false;
     }
-    const std::int64_t length = m_Lines.Length(Count() - 1);
+    const std::int64_t length = m_Lines->Length(Count() - 1);
     return length < m_WordBitSize && length >= m_ByteBitSize;
 }
 
@@ -150,9 +163,9 @@ bool CSectionData::EndsInWholeBytes() const {
     if (Count() == 0) {
         return true;
     }
-    const std::int64_t length = m_Lines.Length(Count() - 1);
+    const std::int64_t length = m_Lines->Length(Count() - 1);
     const bool isWhole = length == m_WordBitSize || (HasOpenLine() && length % m_ByteBitSize == 0);
-    return m_Lines.IsPacked(Count() - 1) && isWhole;
+    return m_Lines->IsPacked(Count() - 1) && isWhole;
 }
 
 void CSectionData::FillZero(int byteCount) {
@@ -166,20 +179,20 @@ void CSectionData::FillZero(int byteCount) {
         return bytes < m_BytesPerWord ? static_cast<int>(bytes * m_ByteBitSize) : m_WordBitSize;
     };
     if (HasOpenLine()) {
-        const std::int64_t length = m_Lines.Length(Count() - 1);
+        const std::int64_t length = m_Lines->Length(Count() - 1);
         const auto held = static_cast<int>(std::min<std::int64_t>(length / m_ByteBitSize, m_BytesPerWord));
         const int added = std::min(byteCount, m_BytesPerWord - held);
-        m_Lines.ExtendZeros(std::max<std::int64_t>(0, lengthOf(std::int64_t{held} + added) - length));
+        m_Lines->ExtendZeros(std::max<std::int64_t>(0, lengthOf(std::int64_t{held} + added) - length));
         byteCount -= added;
     }
     if (byteCount > 0) {
         const int rest = byteCount % m_BytesPerWord;
-        m_Lines.AddZeros(byteCount / m_BytesPerWord + (rest > 0 ? 1 : 0), lengthOf(rest > 0 ? rest : m_BytesPerWord));
+        m_Lines->AddZeros(byteCount / m_BytesPerWord + (rest > 0 ? 1 : 0), lengthOf(rest > 0 ? rest : m_BytesPerWord));
     }
 }
 
 void CSectionData::Clear() {
-    m_Lines.Clear();
+    m_Lines->Clear();
     m_ByteCount = 0;
 }
 

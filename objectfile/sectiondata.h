@@ -3,13 +3,15 @@
 #define MARLUNE_OBJECTFILE_SECTIONDATA_H
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
-#include "objectfile/linestore.h"
 #include "objectfile/persistentobject.h"
 
 namespace ObjectFile {
+
+class CLineStore;
 
 /// The contents of a section as text: a line of '0' and '1' characters for each memory word, the most significant bit
 /// first. A line has `word bit-size` characters except possibly the last; byte k of a word is the k-th group of
@@ -20,12 +22,15 @@ public:
     /// `byteCount` is the number of bytes that LoadFromStream is to read.
     CSectionData(int lineAddress, int byteCount, int wordBitSize, int bytesPerWord);
     CSectionData(int wordBitSize, int bytesPerWord);
+    CSectionData(const CSectionData& other);
+    CSectionData& operator=(const CSectionData&) = delete;
+    ~CSectionData() override;
 
     /// Characters (bits) of one byte; 0 when the word bit-size and bytes per word allow none.
     static int ByteBitSizeOf(int wordBitSize, int bytesPerWord);
 
     /// Number of lines, that is of words.
-    int Count() const override { return m_Lines.Count(); }
+    int Count() const override;
     int GetLineAddress() const override { return m_LineAddress; }
     void SetLineAddress(int lineAddress) override { m_LineAddress = lineAddress; }
     int GetLineSize() const override { return Count(); }
@@ -102,7 +107,7 @@ private:
     /// Where byte `address` begins in the packed bits.
     std::uint64_t BitPosition(std::int64_t address) const;
 
-    CLineStore m_Lines;
+    std::unique_ptr<CLineStore> m_Lines; // its headers are not installed
     int m_LineAddress;
     int m_ByteCount;
     int m_WordBitSize;

@@ -100,7 +100,7 @@ void CTimeStamp::SetTime() {
 std::string CTimeStamp::ToString(long time) {
     const auto seconds = static_cast<std::time_t>(time);
     std::array<char, 20> text{};
-    const std::tm* local = std::localtime(&seconds); // NOLINT(concurrency-mt-unsafe): the library has one thread
+    const std::tm* local = std::localtime(&seconds); // not reentrant: the library has one thread
     if (local == nullptr || std::strftime(text.data(), text.size(), "%Y.%m.%d:%H:%M:%S", local) == 0) {
         throw invalid_format("Calendar time cannot be represented");
     }

@@ -19,7 +19,7 @@ public:
     /// Decimal. The low 32 bits of the number are kept for int, without a range check.
     explicit Int(const std::string& text) : m_Value(Parse(text, 10)) {}
 
-    operator T() const { return m_Value; } // NOLINT(google-explicit-constructor)
+    operator T() const { return m_Value; }
 
     static T Parse(const std::string& text, int base);
     /// For int: digits in base 8, 10 or 16 without prefix or padding (`width` ignored); for any other base the binary

@@ -1,4 +1,4 @@
-/* The calls of the simulator's Foreign Language Interface that this library makes, and nothing else.
+/* The calls of the simulator's Foreign Language Interface that this library makes.
  *
  * Names, types and layouts agree with the header that comes with the simulator, which can be used instead
  * (CMake: MARLUNE_FLI_INCLUDE_DIR). Sizes are those of the machine's C ABI. */
@@ -64,7 +64,7 @@ struct mtiInterfaceListStruct_ {
 };
 
 mtiSignalIdT mti_FindPort(mtiInterfaceListT* ports, char* name);
-char* mti_GetRegionFullName(mtiRegionIdT region); /* give back with mti_VsimFree */
+char* mti_GetRegionFullName(mtiRegionIdT region); /* free with mti_VsimFree */
 void mti_VsimFree(void* memory);
 
 mtiProcessIdT mti_CreateProcess(char* name, mtiVoidFuncPtrT function, void* argument);
@@ -81,7 +81,7 @@ mtiTypeIdT mti_GetArrayElementType(mtiTypeIdT type);
 mtiInt32T mti_TickLength(mtiTypeIdT type);
 char* mti_GetSignalName(mtiSignalIdT signal);
 mtiInt32T mti_GetSignalValue(mtiSignalIdT signal);
-/* One byte per element; a null buffer makes the simulator allocate one (give back with mti_VsimFree). */
+/* One byte per element; for a null buffer the simulator allocates one (free with mti_VsimFree). */
 void* mti_GetArraySignalValue(mtiSignalIdT signal, void* buffer);
 /* The value is an enumeration position, or the address of an array of them. */
 void mti_SetSignalValue(mtiSignalIdT signal, mtiLongT value);

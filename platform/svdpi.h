@@ -1,4 +1,4 @@
-/* The calls of the SystemVerilog direct programming interface that this library makes, and nothing else.
+/* The calls of the SystemVerilog direct programming interface that this library makes.
  *
  * Names, types and layouts agree with the standard header, which can be used instead
  * (CMake: MARLUNE_SVDPI_INCLUDE_DIR). */

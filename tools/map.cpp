@@ -26,7 +26,7 @@ constexpr std::size_t LONGEST_BAR = 160;
 
 /// The columns of the terminal that standard output is, or of the environment, which goes first; none if neither says.
 std::optional<std::size_t> TerminalColumns() {
-    if (const char* const columns = std::getenv("COLUMNS")) { // NOLINT(concurrency-mt-unsafe): there is one thread
+    if (const char* const columns = std::getenv("COLUMNS")) {
         if (const int count = std::atoi(columns); count > 0) {
             return count;
         }

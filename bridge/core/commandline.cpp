@@ -26,14 +26,14 @@ constexpr const char* FORMS =
 
 std::vector<std::string> Split(std::string_view text, char separator) {
     std::vector<std::string> parts;
-    for (std::size_t end = 0; end != std::string_view::npos; text.remove_prefix(end + 1)) {
-        end = text.find(separator);
+    for (;;) {
+        const std::size_t end = text.find(separator);
         parts.emplace_back(text.substr(0, end));
         if (end == std::string_view::npos) {
-            break;
+            return parts;
         }
+        text.remove_prefix(end + 1);
     }
-    return parts;
 }
 
 /// A number of 32 bits, written as in C.
@@ -97,7 +97,7 @@ bool BeginsWith(const std::string& text, std::string_view beginning) {
 
 } // namespace
 
-/// The system has the arguments whichever way the simulator was started, with a main program of the user's own too.
+/// The system has the arguments however the simulator was started, even if the user wrote the main program.
 COptions ReadCommandLine() {
     COptions options;
     std::ifstream arguments("/proc/self/cmdline", std::ios::binary);

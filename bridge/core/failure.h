@@ -6,7 +6,7 @@
 
 namespace marlune::bridge {
 
-/// Prints an error on the standard error stream. The path is that of the instance which is concerned, or empty.
+/// Prints an error to the standard error stream. `path` names the instance concerned; it may be empty.
 void PrintError(const std::string& path, const std::string& text);
 
 /// Prints a warning in the same form.

@@ -8,9 +8,9 @@
 
 namespace marlune::bridge {
 
-/// Loads the library (once) and finds its function; ends the simulation when either fails, with the instance's path in
-/// the message. All functions that the library needs are bound at once, so that one which is not served here is
-/// reported now and not in the middle of a run.
+/// Loads the library (once) and finds its function. If either fails, the simulation ends with a message that names the
+/// instance of the path. All functions that the library needs are bound at once, so that a missing one is reported now
+/// and not in the middle of a run.
 CInitFunction FindInitFunction(const std::string& library, const std::string& function, const std::string& path);
 
 } // namespace marlune::bridge

@@ -8,18 +8,18 @@
 
 namespace marlune::bridge {
 
-/// The text "init_function library; parameters", taken apart.
+/// The parts of the text "init_function library; parameters".
 struct CForeignText {
     std::string m_Function;
     std::string m_Library; // a path, or a bare file name that is searched for
     std::string m_Parameters;
 };
 
-/// Nothing when the text is of another form. The parameters may be empty and are not looked at.
+/// Nothing if the text has another form. The parameters may be empty; they are not checked.
 std::optional<CForeignText> ParseForeignText(std::string_view text);
 
-/// The parameters of a memory that gives none: as wide as its data ports and as large as its addresses reach, which
-/// makes it sparse from 32 bits on. Widths in bits.
+/// The parameters of a memory that gives none: as wide as its data ports, with a cell for each address. It is sparse
+/// from 32 address bits on. Widths are in bits.
 std::string DefaultParameters(unsigned mode, unsigned dataBits, unsigned addressBits);
 
 } // namespace marlune::bridge

@@ -18,13 +18,13 @@ struct mtiProcessIdTag {
     mtiRegionIdT m_Region; // the instance that created it
 };
 
-/// An instance. It lives to the end of the run, as all that has a handle does.
+/// An instance. It lives until the end of the run, like everything that has a handle.
 struct mtiRegionIdTag {
     explicit mtiRegionIdTag(std::string path) : m_Path(std::move(path)), m_Name(marlune::FixProjectName(m_Path)) {}
 
     /// The path as messages show it, "tb.memory" or "tb/memory".
     std::string m_Path;
-    /// By which the memory library knows the memory, "tb_memory".
+    /// The memory library's name for it, "tb_memory".
     std::string m_Name;
     std::string m_Parameters;
     bool m_IsMemory = false;              // of our own memory library

@@ -1,4 +1,4 @@
-// Looks for what a user may have meant otherwise, and says so.
+// Finds likely mistakes in an instance, and describes them.
 #include "bridge/core/instancereport.h"
 
 #include <algorithm>
@@ -36,14 +36,14 @@ std::vector<CPortGroup> GroupsOf(const mtiRegionIdTag& region) {
     return region.m_Ports.empty() ? std::vector<CPortGroup>() : DescribeGroups(region.m_Ports.data());
 }
 
-/// A RE0 has no influence, and CLK belongs to no group.
+/// RE0 has no effect, and CLK belongs to no group.
 bool MayBeUnused(const std::string& name) {
     constexpr std::size_t LENGTH = 3;
     return name.size() >= LENGTH &&
            (strcasecmp(name.c_str() + name.size() - LENGTH, "RE0") == 0 || strcasecmp(name.c_str(), "CLK") == 0);
 }
 
-/// Of the groups of a prefix the one that lacks least; null if none has a port.
+/// The group of the prefix that lacks the fewest ports; null if there is none.
 const CPortGroup* MostComplete(const std::vector<CPortGroup>& groups, const std::string& prefix) {
     const CPortGroup* best = nullptr;
     for (const CPortGroup& group : groups) {

@@ -1,4 +1,4 @@
-// What can be said of an instance beyond the memory library's own messages.
+// Checks and descriptions of an instance that the memory library itself does not give.
 #ifndef MARLUNE_BRIDGE_CORE_INSTANCEREPORT_H
 #define MARLUNE_BRIDGE_CORE_INSTANCEREPORT_H
 
@@ -9,10 +9,10 @@
 
 namespace marlune::bridge {
 
-/// Ends the simulation for LAUs that are wider than a test bench's words.
+/// Ends the simulation if LAUs are wider than a test bench's words.
 void CheckWidth(const mtiRegionIdTag& region);
 
-/// Which of the three parameters is not a literal, and what it holds; nothing if all are well.
+/// Which of the three parameters is not a literal, and its text; empty if all are valid.
 std::string DescribeWrongParameter(const std::string& parameters);
 
 /// Warns of ports that belong to no complete group.

@@ -1,4 +1,4 @@
-// The functions of the foreign language interface that are served here. exports.map lists them.
+// The functions of the foreign language interface that the bridge offers. exports.map lists them.
 #include "mti.h"
 
 #include <cstdarg>
@@ -22,7 +22,7 @@ namespace {
     marlune::bridge::Fail(marlune::bridge::GetCurrentPath(), text);
 }
 
-/// What is to be said after some of the memory library's messages, on a line of its own; or nothing.
+/// A further line for some of the memory library's messages, or nothing.
 std::string Explain(std::string_view message) {
     constexpr std::string_view LITERAL = "include/number_cast(";
     constexpr std::string_view NO_MEMORY = "General error: Cannot find memory object with name '";
@@ -71,8 +71,8 @@ char* mti_GetRegionFullName(mtiRegionIdT region) {
 }
 
 void mti_VsimFree(void* memory) {
-    std::free(memory);
-} // from malloc or strdup
+    std::free(memory); // from malloc or strdup
+}
 
 char* mti_GetSignalName(mtiSignalIdT signal) {
     return signal->m_Name.data();
@@ -174,7 +174,7 @@ void mti_PrintFormatted(const char* format, ...) {
     GetSimulation().GetHost().Print(text.c_str());
 }
 
-/// There is no Tcl here. A library sets a variable to tell scripts why it is about to stop: that text is printed.
+/// There is no Tcl here. A library sets a variable to tell scripts why it is about to stop; its text is printed.
 void mti_Command(const char* command) {
     constexpr std::string_view DECLARE = "global ";
     constexpr std::string_view SET = "set MTI_ERROR_MSG \"";

@@ -55,7 +55,7 @@ struct mtiSignalIdTag {
 
 static_assert(std::is_standard_layout_v<mtiSignalIdTag>, "a signal's address must be that of its m_Place");
 
-/// A driver adds nothing to its signal: a port of a memory has one.
+/// A driver is no more than its signal, because a port of a memory has only one.
 struct mtiDriverIdTag {
     mtiSignalIdT m_Signal;
 };

@@ -29,10 +29,10 @@ void CHost::Print(const char* text) const {
     std::fputs(text, stdout);
 }
 
-/// However the run ends, the libraries release what they hold, and what is wanted at the end is written.
+/// However the run ends, the dumps are written and the libraries release what they hold.
 CSimulation::CSimulation() : m_Host(std::make_unique<CHost>()), m_Options(ReadCommandLine()) {
     std::atexit([] { GetSimulation().Quit(); });
-    if (!m_Options.m_Dumps.empty()) { // Verilator ends a test bench's $fatal by abort
+    if (!m_Options.m_Dumps.empty()) { // Verilator aborts the process at a test bench's $fatal
         std::signal(SIGABRT, [](int) { GetSimulation().Quit(); });
     }
 }

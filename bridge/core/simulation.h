@@ -39,20 +39,21 @@ class CSimulation {
 public:
     CSimulation();
 
-    /// Takes the place of the host for all instances.
+    /// Replaces the host of all instances.
     void SetHost(std::unique_ptr<CHost> host) { m_Host = std::move(host); }
     CHost& GetHost() { return *m_Host; }
 
-    /// A new instance. Its ports are to be added to m_Signals before it is elaborated.
+    /// Adds an instance. Its ports must be added to m_Signals before it is elaborated.
     mtiRegionIdTag& AddInstance(const std::string& path) { return m_Regions.emplace_back(path); }
 
     std::deque<mtiRegionIdTag>& GetInstances() { return m_Regions; }
 
-    /// Elaborates an instance with its ports, and loads what the command line wants in it. An error ends the
+    /// Elaborates an instance with its ports, and loads the images that the command line gives it. An error ends the
     /// simulation.
     void Elaborate(mtiRegionIdTag& region, CInitFunction init, const std::string& parameters);
 
-    /// All instances have been elaborated, and none has run. Does what the command line wants to be done then.
+    /// To be called when all instances have been elaborated and none has run. Checks the paths on the command line, and
+    /// prints the list of memories if it asks for one.
     void Start();
     bool IsStarted() const { return m_IsStarted; }
 
@@ -63,7 +64,7 @@ public:
     mtiDriverIdT CreateDriver(mtiSignalIdT signal);
     void AddQuitCallback(mtiVoidFuncPtrT function, void* argument);
 
-    /// Writes what the command line wants to be written at the end and runs the quit callbacks, once.
+    /// Writes the dumps that the command line asks for, and runs the quit callbacks. Does so once.
     void Quit();
 
 private:
@@ -83,11 +84,11 @@ private:
     bool m_HasQuit = false;
 };
 
-/// The one simulation of the process: the simulator's callbacks and the functions of the interface have no other way to
-/// it.
+/// The one simulation of the process. It is global because the simulator's callbacks and the functions of the interface
+/// get no argument that could lead to it.
 CSimulation& GetSimulation();
 
-/// The instance that is being elaborated or runs, or null. Errors name it.
+/// The instance that is being elaborated or is running, or null. Errors name it.
 inline mtiRegionIdT g_Current = nullptr;
 
 /// Its path, or nothing.

@@ -1,5 +1,5 @@
-// For simulators without DPI, those of the tests and benchmarks among them: a library that offers DPI functions needs
-// these to load. A simulator's own ones take precedence.
+// For simulators without DPI, those of the tests and benchmarks among them: a library with DPI functions needs these to
+// load. The simulator's own functions take precedence.
 #include "svdpi.h"
 
 namespace {

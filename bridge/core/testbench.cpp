@@ -40,7 +40,7 @@ private:
     std::string m_Name;
 };
 
-/// The memory library's function. Calls by its name from here reach the one that systemverilog.cpp puts before it.
+/// The memory library's function. A call by its name would reach the wrapper in systemverilog.cpp.
 decltype(marlune_dpi_memory_init)* LibraryLoad() {
     Dl_info library{};
     void* handle = dladdr(reinterpret_cast<void*>(&marlune_fli_memory_init), &library) != 0
@@ -53,7 +53,7 @@ decltype(marlune_dpi_memory_init)* LibraryLoad() {
     return reinterpret_cast<decltype(marlune_dpi_memory_init)*>(function);
 }
 
-/// A file that a dump goes to. An error ends the simulation.
+/// The file of a dump. An error ends the simulation.
 class CDumpFile {
 public:
     CDumpFile(const std::string& name, std::uint32_t width)

@@ -1,4 +1,4 @@
-// What all functions have in common that a design calls directly.
+// What all functions that a design calls directly have in common.
 #ifndef MARLUNE_BRIDGE_DIRECT_ENTRY_H
 #define MARLUNE_BRIDGE_DIRECT_ENTRY_H
 
@@ -19,7 +19,7 @@ auto RunEntry(TBody&& body) {
     }
 }
 
-/// To be called when an instance runs, before which all instances have been elaborated.
+/// To be called whenever an instance runs. By the first time, all instances have been elaborated.
 inline void StartOnce() {
     static CSimulation& simulation = GetSimulation();
     if (!simulation.IsStarted()) {

@@ -57,7 +57,7 @@ CDirectInstance::CDirectInstance(const std::string& path, const std::string& par
     std::uint32_t outputsLeft = m_OutputWidth;
     std::vector<mtiSignalIdT> inputs;
     m_Region.m_Signals.emplace_back("CLK"); // its value comes with each call
-    for (const CDirectPort& port : ports) { // the order matters where two ports have one role
+    for (const CDirectPort& port : ports) { // the order matters if two ports have the same role
         const bool isOutput = IsOutput(port.m_Name);
         std::uint32_t& left = isOutput ? outputsLeft : inputsLeft; // the bits of the ports that follow
         left -= port.m_Width;

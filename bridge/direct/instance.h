@@ -12,22 +12,22 @@
 
 namespace marlune::bridge {
 
-/// A port as a description of the instance gives it, CLK excepted. One whose name ends in "Q0" is an output.
+/// A port other than CLK, as a description of the instance gives it. One whose name ends in "Q0" is an output.
 struct CDirectPort {
     std::string m_Name;
     std::uint32_t m_Width;   // in bits
     bool m_IsScalar = false; // a single std_logic and no vector
 };
 
-/// The values of all inputs stand in one vector of bits and those of all outputs in another, each in the order of the
-/// ports, the first in the most significant bits. The simulator's vectors consist of words of 32 bits, the least
-/// significant first.
+/// The values of all inputs are in one bit vector and those of all outputs in another, each in the order of the ports,
+/// the first in the most significant bits. The simulator's vectors consist of words of 32 bits, the least significant
+/// first.
 class CDirectInstance {
 public:
     /// Elaborates the instance. An error ends the simulation.
     CDirectInstance(const std::string& path, const std::string& parameters, const std::vector<CDirectPort>& ports);
 
-    CDirectInstance(const CDirectInstance&) = delete; // the process of the instance refers to its place
+    CDirectInstance(const CDirectInstance&) = delete; // the memory library keeps addresses of its members
     CDirectInstance& operator=(const CDirectInstance&) = delete;
 
     const std::string& GetPath() const { return m_Region.m_Path; }
@@ -38,7 +38,8 @@ public:
     std::uint32_t GetInputWidth() const { return m_InputWidth; }
     std::uint32_t GetOutputWidth() const { return m_OutputWidth; }
 
-    /// Gives the inputs their values; whether one has changed that wakes the instance. Bits above them do not count.
+    /// Sets the values of the inputs. Returns whether one that wakes the instance has changed. Bits above them are
+    /// ignored.
     bool SetInputs(const std::uint32_t* inputs) {
         std::uint64_t changed = 0;
         const std::uint32_t words = m_InputWords;
@@ -60,7 +61,7 @@ public:
     /// Writes the elements of one output to an array of all of them, which ends at `end`.
     void GetElements(const marlune_direct_signal& place, unsigned char* end) const;
 
-    /// Wakes the instance's process at the time with the number, which is 0 at time 0 and differs from one time to the
+    /// Wakes the instance's process. `number` stands for the time: it is 0 at time 0 and differs from one time to the
     /// next. Returns a marlune_direct_result.
     int Wake(std::uint32_t number, marlune_direct_clock clock) {
         const CCurrentInstance current(&m_Region);

@@ -18,7 +18,7 @@ namespace marlune::bridge {
 
 namespace {
 
-/// A time as the module gives it, $realtime in its unit. Times are only compared, and the bits compare faster.
+/// A time as the module gives it: the bits of $realtime. Times are only compared, and bits compare faster.
 using CTime = std::uint64_t;
 constexpr CTime START = 0;
 constexpr CTime NEVER = ~CTime{0};
@@ -34,20 +34,20 @@ CTime TimeOf(double realTime) {
 /// value that one of them has seen.
 std::uint32_t g_Turn = 0;
 
-/// Numbers the handed out outputs in their order.
+/// Numbers the outputs in the order in which modules receive them.
 std::uint64_t g_Stamp = 0;
 
-/// A memory instance in a simulator that shows no delta cycles. Its module reports that CLK rises and that an input
-/// gets another value, and looks at CLK when it is asked to. From that follow the wake-ups of the instance's process:
+/// A memory instance in a simulator without delta cycles. Its module reports each rise of CLK and each change of an
+/// input, and looks at CLK when it is asked to. The wake-ups of the instance's process follow from that:
 ///
 /// - When CLK rises, the process wakes with the inputs' values from before the edge. Registers of the same clock change
 ///   later in the same time, as in the next delta cycle.
 /// - An input that changes at the time of an edge wakes it again.
-/// - An input that changes at another time rarely matters. The first such time after an edge is not that of an
-///   edge, whatever the level of CLK. At a further one the level matters, and the module is asked to look at it.
+/// - An input that changes at another time rarely matters. The first such time after an edge is never that of an edge,
+///   whatever the level of CLK. At a further one the level matters, and the module is asked to look at it.
 ///
-/// The module does not report that CLK falls, since this would cost as much as an edge. CLK has fallen once between two
-/// rises, and the fall is taken to have a time of its own.
+/// The module does not report that CLK falls, because that would cost as much as an edge. CLK falls once between two
+/// rises, and the fall is assumed to have a time of its own.
 class CSvInstance {
 public:
     CSvInstance(const std::string& path, const std::string& parameters, const std::vector<CDirectPort>& ports)
@@ -60,7 +60,7 @@ public:
         m_RiseTime = time;
         m_LookTime = NEVER;
         m_IsLow = false;
-        if (time == START || (time == m_Time && m_IsEdge)) { // the simulator let the inputs' change come first
+        if (time == START || (time == m_Time && m_IsEdge)) { // the simulator reported the inputs first
             return;
         }
         Evaluate(time, MARLUNE_DIRECT_ROSE);
@@ -124,7 +124,7 @@ private:
     CTime m_LookTime = NEVER;    // at which a look has been asked for
 };
 
-/// "TOP.tb.ram.memory" becomes "tb.ram": the first name is that of a model of Verilator's, and the last one that of the
+/// "TOP.tb.ram.memory" becomes "tb.ram": the first name is that of a Verilator model, and the last one that of the
 /// module in hdl/marlune_dpi.sv.
 std::string PathOfScope(std::string scope) {
     constexpr const char* MODEL = "TOP.";
@@ -153,12 +153,12 @@ CSvInstance& InstanceOf(void* memory) {
 
 } // namespace marlune::bridge
 
-using namespace marlune::bridge; // NOLINT(google-build-using-namespace): the entry points have no namespace
+using namespace marlune::bridge; // the entry points have no namespace
 
 extern "C" {
 
-/// Elaborates the memory of a scope; without parameters it gets those that follow from the numbers. The handle is valid
-/// to the end of the run.
+/// Elaborates the memory of a scope. If `parameters` is empty, they follow from the numbers. The handle is valid until
+/// the end of the run.
 void* marlune_sv_open(const char* scope, const char* parameters, unsigned mode, unsigned dataBits, unsigned addressBits,
                       const char* names, const std::uint32_t* widths) {
     return RunEntry([&]() -> void* {
@@ -168,7 +168,7 @@ void* marlune_sv_open(const char* scope, const char* parameters, unsigned mode, 
     });
 }
 
-/// Loads an image; takes the place of the memory library's function, which does not warn if nothing is loaded.
+/// Loads an image. It takes the place of the memory library's function, which does not print the warning.
 void marlune_dpi_memory_init(char const* name, char const* fileName, char const* addressSpace, unsigned int cellBase,
                              unsigned int lowAddress, unsigned int highAddress, unsigned int phase,
                              unsigned int stride) {
@@ -182,7 +182,7 @@ std::uint64_t marlune_sv_rise(void* memory, double now, std::uint32_t* outputs) 
     return InstanceOf(memory).GetOutputs(outputs);
 }
 
-/// The inputs have these values. Returns another number than before when the module is to look.
+/// The inputs have these values. The number that it returns changes when the module is to look.
 std::uint32_t marlune_sv_inputs(void* memory, double now, std::uint64_t /*stamp*/, const std::uint32_t* inputs) {
     InstanceOf(memory).SetInputs(TimeOf(now), inputs);
     return g_Turn;

@@ -26,7 +26,7 @@ public:
     CVhdlInstance(const std::string& path, const std::string& parameters, const std::vector<CDirectPort>& ports)
         : m_Instance(path, parameters, ports) {}
 
-    /// The time is in femtoseconds. Whether an output was driven for the first time or to another value, in which case
+    /// The time is in femtoseconds. Returns whether an output was driven for the first time or to another value. If so,
     /// all outputs that have ever been driven are written.
     bool Wake(std::int64_t time, bool clockIsOne, const CVhdlArray& inputs, const CVhdlArray& outputs) {
         if (time != m_Time) {
@@ -45,7 +45,7 @@ public:
     }
 
 private:
-    /// A copied entity may have forgotten a port in one of the two places.
+    /// A copied entity may lack a port in one of the two places.
     void CheckLength(const char* what, std::uint32_t length, std::uint32_t listed) const {
         if (length != listed) {
             Fail(m_Instance.GetPath(), "The " + std::string(what) + " of wake have " + std::to_string(length) +
@@ -96,7 +96,7 @@ private:
 
 std::deque<CVhdlInstance> g_Instances;
 
-/// ":tb:ram:clk" becomes "tb/ram": the name of a port's path without that of the port.
+/// ":tb:ram:clk" becomes "tb/ram": the path of a port without the port's name.
 std::string PathOfPort(std::string path) {
     path.erase(path.rfind(':'));
     path.erase(0, 1);
@@ -125,7 +125,7 @@ std::uint32_t NumberOf(const CVhdlArray& elements) {
     return static_cast<std::uint32_t>(marlune::fli::NumberOfElements(first, static_cast<int>(elements.GetLength())));
 }
 
-/// The value that the elements stand for; of more than a cell can have the first ones are lost.
+/// The value that the elements stand for. If there are more than a cell has bits, the first ones are lost.
 CCellValue ValueOf(const CVhdlArray& elements) {
     const auto* first = reinterpret_cast<const unsigned char*>(elements.m_Base);
     const auto word = marlune::fli::WordOfElements(first, static_cast<int>(elements.GetLength()));
@@ -154,12 +154,12 @@ void WriteValue(const CCellValue& value, const CVhdlArray& elements) {
 
 } // namespace marlune::bridge
 
-using namespace marlune::bridge; // NOLINT(google-build-using-namespace): the entry points have no namespace
+using namespace marlune::bridge; // the entry points have no namespace
 
 extern "C" {
 
-/// Elaborates the memory whose clock has this path; without parameters it gets those that follow from the numbers.
-/// Returns its number.
+/// Elaborates the memory whose clock has this path. If `parameters` is empty, they follow from the numbers. Returns the
+/// memory's number.
 std::int32_t marlune_vhdl_open(const CVhdlArray* clockPath, const CVhdlArray* parameters, std::int32_t mode,
                                std::int32_t dataBits, std::int32_t addressBits, const CVhdlArray* ports) {
     return RunEntry([&] {

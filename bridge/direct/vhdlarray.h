@@ -14,8 +14,8 @@ struct CVhdlRange {
     std::uint32_t m_Length;
 };
 
-/// An unconstrained array of one dimension, a byte for each element, the leftmost first: the characters of a string, or
-/// the positions of std_logic values. It belongs to the caller.
+/// An unconstrained array of one dimension: a byte for each element, the leftmost first. It holds the characters of a
+/// string or the positions of std_logic values, and belongs to the caller.
 struct CVhdlArray {
     char* m_Base;
     const CVhdlRange* m_Range;

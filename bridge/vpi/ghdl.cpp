@@ -24,7 +24,7 @@ std::string TextOfBits(vpiHandle vector) {
     return text;
 }
 
-/// VPI shows no attribute, generic or constant here, so the foreign text comes as the bits of a signal. It shows no
+/// GHDL's VPI shows no attributes, generics or constants, so the foreign text comes as the bits of a signal. It has no
 /// vpiPort either, so ports are the nets that have a direction.
 class CGhdl : public CVpiHost {
 public:

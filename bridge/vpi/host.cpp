@@ -141,7 +141,7 @@ void CVpiHost::ListPorts(vpiHandle scope, mtiRegionIdTag& region) {
 
 void CVpiHost::Sensitize(mtiProcessIdT process, mtiSignalIdT signal) {
     if (m_Processes.empty() || m_Processes.back().m_Process != process) {
-        m_Processes.push_back({this, process, {}}); // one process is made sensitive after the other
+        m_Processes.push_back({this, process, {}}); // a library finishes one process before the next
     }
     CVpiProcess& sensitive = m_Processes.back();
     if (std::find(sensitive.m_Signals.begin(), sensitive.m_Signals.end(), signal) != sensitive.m_Signals.end()) {
@@ -167,7 +167,7 @@ void CVpiHost::Wake(CVpiProcess& process) {
     m_Marked.push_back(&process);
     if (m_Marked.size() == 1) {
         t_cb_data data{m_ReleaseReason, ReleaseMarked, nullptr, &m_Now, nullptr, 0, reinterpret_cast<char*>(this)};
-        vpi_free_object(vpi_register_cb(&data)); // the handle only: the callback comes
+        vpi_free_object(vpi_register_cb(&data)); // frees only the handle: the callback will come
     }
     if (m_Run == ERun::WHEN_MARKED) {
         GetSimulation().Run(*process.m_Process);

@@ -26,8 +26,8 @@ struct CVpiPort {
     vpiHandle m_Object;
 };
 
-/// A simulator's own habits: how instances and their ports are found, and when a process runs. One class derives for
-/// each simulator.
+/// What differs between simulators: how instances and their ports are found, and when a process runs. Each simulator
+/// has a derived class.
 class CVpiHost : public CHost {
 public:
     mtiInt32T Now() const override;
@@ -40,20 +40,20 @@ public:
 protected:
     enum class ERun { WHEN_MARKED, WHEN_RELEASED };
 
-    /// `literals` are the characters that write the positions of the nine values, in their order; `separator` stands
-    /// between the names of a path in messages; `release` is the reason of the callback that takes off the marks.
+    /// `literals` are the characters for the nine values, in the order of their positions. `separator` goes between the
+    /// names of a path in messages. `release` is the reason of the callback that removes the marks.
     CVpiHost(const char* literals, char separator, ERun run, PLI_INT32 release)
         : m_Literals(literals), m_Separator(separator), m_Run(run), m_ReleaseReason(release) {}
 
     /// The scopes directly inside a scope; the topmost ones for null.
     virtual std::vector<vpiHandle> GetScopes(vpiHandle scope) const = 0;
 
-    /// The value of the scope's own FOREIGN_OBJECT, nothing when it has none.
+    /// The value of the scope's own FOREIGN_OBJECT, nothing if it has none.
     virtual std::optional<std::string> FindForeignText(vpiHandle scope) const = 0;
 
     virtual std::vector<CVpiPort> GetPorts(vpiHandle scope) const = 0;
 
-    /// The value of a parameter of the scope that is a number; nothing when the simulator shows none of that name.
+    /// The value of the scope's numeric parameter of that name, nothing if the simulator shows none.
     virtual std::optional<unsigned> FindNumber(vpiHandle scope, const char* name) const;
 
     /// Sets the scope's own SERVED_OBJECT, if it has one.
@@ -72,7 +72,7 @@ private:
     void ElaborateInstance(vpiHandle scope, const std::string& foreignText);
     void ListPorts(vpiHandle scope, mtiRegionIdTag& region);
 
-    // An event marks the process; a marked one is not marked again. All marks are taken off together in one callback.
+    // An event marks the process; a marked one is not marked again. One callback removes all marks.
     static PLI_INT32 WakeProcess(t_cb_data* data);
     static PLI_INT32 ReleaseMarked(t_cb_data* data);
     void Wake(CVpiProcess& process);
@@ -100,7 +100,7 @@ std::string GetText(PLI_INT32 property, vpiHandle object);
 /// A value as a text, empty for none.
 std::string GetTextValue(vpiHandle object);
 
-/// Assigns 1 to an object of one bit; null is left alone.
+/// Assigns 1 to an object of one bit; does nothing for null.
 void PutOne(vpiHandle object);
 
 /// All objects of a kind in a scope.

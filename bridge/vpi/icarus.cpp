@@ -5,8 +5,8 @@ namespace marlune::bridge {
 
 namespace {
 
-/// Processes run when the time step has settled: a run in the event's own callback would race with the design's always
-/// blocks. What they assign starts a new round of the same step.
+/// Processes run when the time step has settled, because a run in the event's own callback would race with the design's
+/// always blocks. What they assign starts a new round of the same step.
 class CIcarus : public CVpiHost {
 public:
     CIcarus() : CVpiHost("xx01zx01x", '.', ERun::WHEN_RELEASED, cbReadWriteSynch) {}

@@ -10,13 +10,13 @@
 
 namespace marlune::bridge {
 
-/// The width of a VPI object in bits; 0 for what is neither a bit nor a vector of bits: a real, or a scalar of several
-/// bits (VHDL's integers and enumerations).
+/// The width of a VPI object in bits; 0 if it is neither a bit nor a bit vector but a real or a scalar of several bits
+/// (VHDL's integers and enumerations).
 int WidthOf(vpiHandle object);
 
 class CVpiSignal : public CSignalValue {
 public:
-    /// The object stays the simulator's. `literals` are the characters that write the nine values in this simulator.
+    /// Borrows the object. `literals` are the characters for the nine values in this simulator.
     CVpiSignal(vpiHandle object, int width, const char* literals)
         : m_Object(object), m_Literals(literals), m_Width(width) {}
 
@@ -24,7 +24,7 @@ public:
 
     void Read(unsigned char* positions) const override;
 
-    /// Assigning the last assigned value again does nothing: this is the port's only driver.
+    /// Does nothing if the value is the last assigned one, because this is the port's only driver.
     void Drive(const unsigned char* positions) override;
 
 private:
@@ -34,7 +34,7 @@ private:
     const char* m_Literals;
     int m_Width;
     std::vector<unsigned char> m_Driven; // the last assigned positions, empty before the first
-    std::string m_Text;                  // the same as text, here to be used again
+    std::string m_Text;                  // the same as text; kept to reuse its memory
 };
 
 } // namespace marlune::bridge

@@ -36,7 +36,7 @@ PLI_INT32 OnEnd(t_cb_data* /*data*/) {
 }
 
 void Register() {
-    if (GetProduct() != "GHDL") { // where no design has system tasks
+    if (GetProduct() != "GHDL") { // VHDL has no system tasks
         RegisterSystemTasks();
     }
     t_cb_data start{cbStartOfSimulation, OnStart, nullptr, nullptr, nullptr, 0, nullptr};

@@ -76,8 +76,8 @@ public:
     }
 
 private:
-    /// Icarus leaves bits of something else above an expression's own in the last record. An expression of the type
-    /// string has no records, which shows only now.
+    /// In the last record Icarus leaves foreign bits above the expression's own. An expression of the type string has
+    /// no records; only here does that show.
     std::vector<t_vpi_vecval> GetRecords(std::size_t index) const {
         t_vpi_value value{vpiVectorVal, {nullptr}};
         vpi_get_value(m_Arguments[index], &value);
@@ -117,8 +117,8 @@ void PeekCell(const CCall& call) {
     call.Assign(2, Peek(call.GetTextValue(0), call.GetNumber(1)));
 }
 
-/// A task. Its arguments are of the kinds that the letters say: t for a text, n for a number, v for a variable that is
-/// assigned; those after a blank may be missing.
+/// A task. A letter gives the kind of each argument: t for a text, n for a number, v for a variable that is assigned.
+/// Arguments after the blank are optional.
 struct CTask {
     const char* m_Name;
     const char* m_Kinds;
@@ -133,7 +133,7 @@ constexpr CTask TASKS[] = {
     {"$marlune_peek", "tnv", "(path, address, variable)", PeekCell},
 };
 
-// What may be assigned whole. Icarus aborts when a part select with a variable index is.
+// What may be assigned as a whole. Icarus aborts on the assignment to a part select with a variable index.
 constexpr PLI_INT32 VARIABLES[] = {vpiReg,    vpiIntegerVar, vpiBitVar,      vpiByteVar,
                                    vpiIntVar, vpiLongIntVar, vpiShortIntVar, vpiMemoryWord};
 
@@ -178,7 +178,7 @@ PLI_INT32 RunCall(PLI_BYTE8* userData) {
 
 void RegisterSystemTasks() {
     for (const CTask& task : TASKS) {
-        // The interface has writable data, which it hands back only.
+        // The interface takes writable data, but only hands it back.
         // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
         auto* const userData = reinterpret_cast<PLI_BYTE8*>(const_cast<CTask*>(&task));
         t_vpi_systf_data data{vpiSysTask, 0, task.m_Name, RunCall, CheckCall, nullptr, userData};

@@ -5,7 +5,7 @@
 
 namespace marlune::bridge {
 
-/// Makes the tasks known to the simulator; to be called before it reads the design.
+/// Registers the tasks. To be called before the simulator reads the design.
 void RegisterSystemTasks();
 
 } // namespace marlune::bridge

@@ -1,5 +1,4 @@
-/* The calls and constants of the Verilog procedural interface (IEEE 1364 and 1800) that the bridge uses, and nothing
- * else.
+/* The calls and constants of the Verilog procedural interface (IEEE 1364 and 1800) that the bridge uses.
  *
  * Names, values and layouts are those of the standard's vpi_user.h. */
 #ifndef MARLUNE_BRIDGE_VPI_VPI_H
@@ -126,7 +125,7 @@ struct t_vpi_vlog_info {
     PLI_BYTE8* version;
 };
 
-// Weak: a program that calls this library directly offers none of these.
+// Weak, because a program that calls this library directly has none of these.
 [[gnu::weak]] vpiHandle vpi_register_cb(t_cb_data* data);
 [[gnu::weak]] vpiHandle vpi_register_systf(t_vpi_systf_data* data);
 [[gnu::weak]] vpiHandle vpi_handle(PLI_INT32 type, vpiHandle reference);

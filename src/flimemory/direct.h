@@ -1,8 +1,8 @@
 /* Entry points of the library for our own simulator side.
  *
- * Where that hands over port values as vectors of bits, it elaborates an instance by marlune_fli_memory_init,
- * binds it by marlune_direct_bind, and then calls marlune_direct_wake in place of the instance's process. The other
- * functions answer what users ask about loads and contents. */
+ * To serve an instance whose port values come as bit vectors, it elaborates the instance with marlune_fli_memory_init,
+ * binds it with marlune_direct_bind, and then calls marlune_direct_wake instead of the instance's process. The other
+ * functions answer questions about loads and contents. */
 #ifndef MARLUNE_FLIMEMORY_DIRECT_H
 #define MARLUNE_FLIMEMORY_DIRECT_H
 
@@ -12,52 +12,52 @@
 extern "C" {
 #endif
 
-/// Where a port's value is. The signal handles in the list of ports that such an instance is elaborated with are
-/// addresses of these.
+/// Where a port's value is. When such an instance is elaborated, the signal handles in its list of ports are addresses
+/// of these.
 struct marlune_direct_signal {
-    uint32_t word;      ///< that holds its least significant bit, in the vector of the inputs or of the outputs
-    uint32_t shift;     ///< of that bit in the word, 0 to 63
+    uint32_t word;      ///< the word with its least significant bit, in the vector of the inputs or of the outputs
+    uint32_t shift;     ///< the position of that bit in the word, 0 to 63
     uint32_t width;     ///< in bits, at least 1
-    uint32_t is_scalar; ///< 1 for a single bit that is no array: such an output is 1 for the value 1 only
-    uint64_t mask;      ///< the low bits of a word, as many as the width says, or all of them
-    uint32_t is_split;  ///< 1 when the lowest 64 bits of the value, or all of them, lie in two words of the vector
-    uint32_t is_driven; ///< set to 1 when the library gives an output its value
+    uint32_t is_scalar; ///< 1 for a single bit that is not an array: such an output is 1 only for the value 1
+    uint64_t mask;      ///< the low `width` bits of a word, or all of them
+    uint32_t is_split;  ///< 1 if the value, or its lowest 64 bits, lie in two words of the vector
+    uint32_t is_driven; ///< the library sets it to 1 when it drives an output
 };
 
 enum marlune_direct_clock {
     MARLUNE_DIRECT_LOW = 0,
     MARLUNE_DIRECT_HIGH = 1,
-    MARLUNE_DIRECT_ROSE = 2 ///< high, and low at some time since the last call; another call for this time follows
+    MARLUNE_DIRECT_ROSE = 2 ///< high, after it was low since the last call; another call for this time will follow
 };
 
 enum marlune_direct_result {
     MARLUNE_DIRECT_NO_EDGE = 0, ///< this is not the time of an edge
     MARLUNE_DIRECT_SERVED = 1,  ///< the ports were served
-    MARLUNE_DIRECT_CHANGED = 2  ///< the ports were served, and an output got another value
+    MARLUNE_DIRECT_CHANGED = 2  ///< the ports were served, and an output changed
 };
 
-/// Prepares an instance for direct calls, once it has been elaborated. process is the argument that the instance
-/// created its process with.
+/// Prepares an elaborated instance for direct calls. `process` is the argument with which the instance created its
+/// process.
 [[gnu::visibility("default")]] void marlune_direct_bind(void* process);
 
-/// What the process of an instance does when it wakes, with the given values in place of the simulator's. process is
-/// that of marlune_direct_bind. now is the time, or any other number that differs from one
-/// time to the next and is 0 at time 0. clock is a marlune_direct_clock. A vector consists of words of 64 bits, the
-/// least significant first. Returns a marlune_direct_result.
+/// Does what the process of an instance does when it wakes, with the given values in place of the simulator's.
+/// `process` is that of marlune_direct_bind. `now` is the time, or any other number that differs from one time to the
+/// next and is 0 at time 0. `clock` is a marlune_direct_clock. A vector consists of words of 64 bits, the least
+/// significant first. Returns a marlune_direct_result.
 [[gnu::visibility("default")]] int marlune_direct_wake(void* process, uint32_t now, int clock, const uint64_t* inputs,
                                                        uint64_t* outputs);
 
-/// What was wrong with the last load by marlune_dpi_memory_init if it stored nothing, else null. The text is valid
-/// until the next call.
+/// A warning if the last load by marlune_dpi_memory_init stored nothing or only a part of a section, else null. The
+/// text is valid until the next load.
 [[gnu::visibility("default")]] const char* marlune_direct_load_warning(void);
 
 /// The name of the address space in the image if it has just one that can be loaded, else null. The image is read on
 /// first use. The text is valid until the next call.
 [[gnu::visibility("default")]] const char* marlune_direct_only_space(const char* file);
 
-/// Calls visit for each cell from the first to the last address, in their order, except for those of a sparse memory
-/// that were never accessed. The name is that of marlune_dpi_memory_read. A cell is given as 32 words of 32 bits, the
-/// least significant first.
+/// Calls `visit` for each cell from the first to the last address, in order, except for those of a sparse memory that
+/// were never accessed. The name is that of marlune_dpi_memory_read. A cell is passed as 32 words of 32 bits, the least
+/// significant first.
 [[gnu::visibility("default")]] void
 marlune_direct_visit_cells(const char* name, uint32_t first, uint32_t last,
                            void (*visit)(void* context, uint32_t address, const uint32_t* limbs), void* context);

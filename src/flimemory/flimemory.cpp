@@ -7,7 +7,6 @@
 #include <initializer_list>
 #include <map>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -38,8 +37,8 @@ CStorageRegistry g_Storages;
 /// The loaded program images by file name, as passed.
 std::map<std::string, std::unique_ptr<const ObjectFile::CObjectFile>> g_Executables;
 
-/// The image and the address space of the last load, if it stored nothing. They are forgotten with the image.
-std::optional<std::pair<const ObjectFile::CObjectFile*, std::string>> g_EmptyLoad;
+/// What was wrong with the last load, if anything.
+std::string g_LoadWarning;
 
 /// The one way in which an error leaves the library: its text goes into the simulator's Tcl variable, as it is, and the
 /// simulation stops.
@@ -108,7 +107,7 @@ void Elaborate(mtiRegionIdT region, const char* parameterText, mtiInterfaceListT
     mti_VsimFree(path); // not on an error, which ends the simulation
 }
 
-/// Takes the instance that the simulator hands back out of the registry.
+/// Removes an instance that the simulator hands back from the registry.
 void Withdraw(const CProcessInfo& process) {
     g_Storages.Erase(FixProjectName(process.m_Storage->m_Name));
 }
@@ -147,7 +146,7 @@ const ObjectFile::CObjectFile& Executable(const std::string& fileName) {
     return *(g_Executables[fileName] = std::move(image));
 }
 
-/// The instance whose memory has the name of its array: the part before the last "RAM" and the separator.
+/// The instance of a memory that is given by the name of its array: the part before the last "RAM" and the separator.
 std::string InstanceOfMemory(const std::string& normalisedName) {
     const std::size_t position = normalisedName.rfind("RAM");
     // A name that begins with its only "RAM" is kept whole, by the wrap-around of its position less one.
@@ -158,7 +157,7 @@ std::string InstanceOfMemory(const std::string& normalisedName) {
 
 } // namespace marlune::foreign::fli
 
-using namespace marlune::foreign::fli; // NOLINT(google-build-using-namespace): the entry points have no namespace
+using namespace marlune::foreign::fli; // the entry points have no namespace
 
 void marlune_fli_memory_init(mtiRegionIdT region, char* parameters, mtiInterfaceListT* /*generics*/,
                              mtiInterfaceListT* ports) {
@@ -195,14 +194,7 @@ int marlune_direct_wake(void* process, uint32_t now, int clock, const uint64_t* 
 }
 
 const char* marlune_direct_load_warning() {
-    static std::string text;
-    text.clear();
-    RunGuarded([&] {
-        if (g_EmptyLoad) {
-            text = marlune::foreign::DescribeEmptyLoad(*g_EmptyLoad->first, g_EmptyLoad->second);
-        }
-    });
-    return text.empty() ? nullptr : text.c_str();
+    return g_LoadWarning.empty() ? nullptr : g_LoadWarning.c_str();
 }
 
 const char* marlune_direct_only_space(const char* file) {
@@ -233,7 +225,6 @@ void marlune_direct_visit_cells(const char* name, uint32_t first, uint32_t last,
 void CleanCallback(void* param) {
     std::unique_ptr<CProcessInfo> process(static_cast<CProcessInfo*>(param));
     RunGuarded([&] {
-        g_EmptyLoad.reset();
         g_Executables.clear();
         const std::unique_ptr<CProcessInfo> released = std::move(process); // gone before an error is reported
         if (released != nullptr) {
@@ -245,16 +236,15 @@ void CleanCallback(void* param) {
 void marlune_dpi_memory_init(char const* name, char const* fileName, char const* addressSpace, unsigned int cellBase,
                              unsigned int lowAddress, unsigned int highAddress, unsigned int phase,
                              unsigned int stride) {
+    g_LoadWarning.clear();
     RunGuarded([&] {
         const std::string memory = marlune::FixProjectName(RequireNonNull(name, "Memory name"));
         const std::string space = addressSpace != nullptr ? addressSpace : "";
         const ObjectFile::CObjectFile& image = Executable(RequireNonNull(fileName, "File name"));
         CStorage& storage = *GetStorage(InstanceOfMemory(memory));
-        g_EmptyLoad.reset();
-        if (!marlune::foreign::LoadMemory(storage, image, space, cellBase, lowAddress, highAddress, phase, stride,
-                                          false)) {
-            g_EmptyLoad = {&image, space};
-        }
+        const auto result = marlune::foreign::LoadMemory(storage, image, space, cellBase, lowAddress, highAddress,
+                                                         phase, stride, false);
+        g_LoadWarning = marlune::foreign::DescribeLoad(image, space, result);
     });
 }
 

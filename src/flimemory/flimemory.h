@@ -11,16 +11,16 @@
 
 extern "C" {
 
-/// Initialisation function of the foreign architecture: makes the instance a memory. The parameters are
-/// "<read_is_synchronous> <byte_bit_width> <size_in_bytes>", width in bits and size in cells; the generics are not
+/// Initialisation function of the foreign architecture: makes the instance a memory. `parameters` is
+/// "<read_is_synchronous> <byte_bit_width> <size_in_bytes>", the width in bits and the size in cells. `generics` is not
 /// used.
 [[gnu::visibility("default")]] void marlune_fli_memory_init(mtiRegionIdT region, char* parameters,
                                                             mtiInterfaceListT* generics, mtiInterfaceListT* ports);
 
-/// The process of a memory instance; param is its CProcessInfo.
+/// The process of a memory instance; `param` is its CProcessInfo.
 [[gnu::visibility("default")]] void marlune_fli_memory_process(void* param);
 
-/// Quit and restart callback of a memory instance: releases it and all loaded program images. param is its
+/// Quit and restart callback of a memory instance: releases it and all loaded program images. `param` is its
 /// CProcessInfo, which is destroyed.
 [[gnu::visibility("default")]] void CleanCallback(void* param);
 

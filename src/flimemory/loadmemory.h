@@ -14,10 +14,10 @@
 
 namespace marlune::foreign {
 
-/// Copies section contents into a storage's cells. LAUs in packed form go as numbers, any other as the text that it is.
+/// Copies section contents into a storage's cells. LAUs in packed form are copied as numbers, all others as text.
 ///
-/// TStorage offers what CStorage does: the type CWord, the members m_Name, m_ByteBitWidth and m_Size (to LoadMemory
-/// only), and Write, WriteNumbers, FillZero and NumbersFrom.
+/// TStorage has these of CStorage: the type CWord, the members m_Name, m_ByteBitWidth and m_Size (for LoadMemory only),
+/// and Write, WriteNumbers, FillZero and NumbersFrom.
 template <typename TStorage>
 class CUnitCopier {
 public:
@@ -26,7 +26,7 @@ public:
           m_Step(static_cast<int>(std::min(copy.m_Stride, static_cast<unsigned>(std::numeric_limits<int>::max())))),
           m_Reversed(copy.m_Reversed) {}
 
-    /// Copies count LAUs, which lie in the section, to as many cells, which lie in the storage.
+    /// Copies `count` LAUs of the section to as many cells of the storage. All must exist.
     void Copy(int index, std::uint32_t cell, int count) {
         while (count > 0) {
             int copied = CopyNumbers(index, cell, count);
@@ -44,7 +44,7 @@ private:
     using CWord = typename TStorage::CWord;
     static constexpr int NUMBERS = 1024;
 
-    /// As many as there are in packed form, but not all at once.
+    /// Copies LAUs in packed form, perhaps not all of them. Returns how many.
     int CopyNumbers(int index, std::uint32_t cell, int count) {
         const std::int64_t span = (count - std::int64_t{1}) * m_Step + 1;
         if (m_Data.IsUntouchedZero(index, static_cast<int>(span))) {
@@ -75,24 +75,27 @@ private:
 };
 
 /// Copies the sections of one address space into a memory, a LAU to a cell, as PlanSection says. Cells that no section
-/// covers keep their contents. Returns whether a section had a LAU for the memory. Throws what PlanSection does; what
-/// was stored before stays.
+/// covers keep their contents. Throws what PlanSection does; what was stored before stays.
 template <typename TStorage>
-bool LoadMemory(TStorage& storage, ObjectFile::CObjectFile const& objectFile, std::string const& addressSpace,
-                unsigned int cellBase, unsigned int lowAddress, unsigned int highAddress, unsigned int phase,
-                unsigned int stride, bool includeStackHeap) {
+CLoadResult LoadMemory(TStorage& storage, ObjectFile::CObjectFile const& objectFile, std::string const& addressSpace,
+                       unsigned int cellBase, unsigned int lowAddress, unsigned int highAddress, unsigned int phase,
+                       unsigned int stride, bool includeStackHeap) {
     const CLoadWindow window{cellBase, lowAddress, highAddress, phase, stride};
     const CLoadTarget target{storage.m_Name, storage.m_ByteBitWidth, storage.m_Size};
-    bool hasStored = false;
+    CLoadResult result;
     for (int i = 0; i < objectFile.SectionsCount(); ++i) {
         const ObjectFile::CSection& section = *objectFile.GetSection(i);
         if (const auto copy = PlanSection(section, objectFile, addressSpace, window, target, includeStackHeap)) {
             CUnitCopier<TStorage>(storage, *section.GetSectionData(), *copy)
                 .Copy(copy->m_Index, copy->m_Cell, copy->m_Count);
-            hasStored = true;
+            result.m_HasStored = true;
+            if (copy->m_Beyond > 0 && result.m_CutSection == nullptr) {
+                result.m_CutSection = &section;
+                result.m_CutCount = copy->m_Beyond;
+            }
         }
     }
-    return hasStored;
+    return result;
 }
 
 } // namespace marlune::foreign

@@ -88,6 +88,7 @@ std::optional<CSectionCopy> PlanSection(const CSection& section, const ObjectFil
     copy.m_Index = static_cast<int>(place->m_Index);
     copy.m_Cell = static_cast<std::uint32_t>(place->m_Cell);
     copy.m_Count = static_cast<int>(std::min(taken, cellLimit - place->m_Cell));
+    copy.m_Beyond = cellLimit == target.m_Size ? static_cast<int>(taken) - copy.m_Count : 0;
     copy.m_Stride = window.m_Stride;
     copy.m_Reversed = target.m_ByteBitWidth > 1 && section.GetByteOrder() == ObjectFile::BO_LITTLE;
     return copy;

@@ -32,8 +32,8 @@ struct CLoadTarget {
     std::uint32_t m_Size;         // cells
 };
 
-/// Where a section's LAUs go: those with indices m_Index, m_Index + stride, ... below m_End, into the cells from
-/// m_Cell.
+/// Where a section's LAUs go: those with indices m_Index, m_Index + stride, ... below m_End, into the cells from m_Cell
+/// on.
 struct CPlacement {
     std::uint64_t m_Index;
     std::uint64_t m_End;
@@ -45,25 +45,34 @@ struct CPlacement {
 struct CSectionCopy {
     int m_Index;
     std::uint32_t m_Cell;
-    int m_Count; // at least 1
+    int m_Count;  // at least 1
+    int m_Beyond; // LAUs that follow for which the memory has no cell
     unsigned m_Stride;
     bool m_Reversed; // the bits of each LAU are flipped end for end
 };
 
-/// Whether the section takes part in a load of the address space: sections of debug or information type do not, and
-/// stack and heap only if they are asked for. Throws CGeneralError if it would but has no absolute address.
+/// What a load has done.
+struct CLoadResult {
+    bool m_HasStored = false;                           // did any section have a LAU for the memory?
+    const ObjectFile::CSection* m_CutSection = nullptr; // the first one that lies across the memory's end, or none
+    int m_CutCount = 0;                                 // its LAUs that were left out
+};
+
+/// Whether the section takes part in a load of the address space. Sections of debug or information type do not; stack
+/// and heap do only if `includeStackHeap` says so. Throws CGeneralError if it would take part but has no absolute
+/// address.
 bool IsLoaded(const ObjectFile::CSection& section, const std::string& addressSpace, bool includeStackHeap);
 
-/// Throws CGeneralError when the section's LAUs are not as wide as the memory's.
+/// Throws CGeneralError if the section's LAUs are not as wide as the memory's.
 void CheckUnitWidth(const CLoadTarget& target, const ObjectFile::CObjectFile& objectFile,
                     const ObjectFile::CSectionData& data);
 
-/// The placement of a section of so many LAUs at the address, or none where it lies outside of the range. Sums are
-/// formed in 64 bits, so that nothing wraps. Throws CGeneralError for a stride of 0.
+/// The placement of a section of `count` LAUs at the address, or nothing if it lies outside the range. Sums are
+/// computed in 64 bits, so that nothing wraps. Throws CGeneralError for a stride of 0.
 std::optional<CPlacement> PlaceSection(const CLoadWindow& window, std::uint32_t address, std::uint64_t count);
 
 /// What the section contributes to a load of the address space, or nothing. The bits of a little-endian section are
-/// flipped, but not those of a memory of 1 bit. Throws what the functions above do.
+/// flipped, except in a memory of 1 bit. Throws what the functions above throw.
 std::optional<CSectionCopy> PlanSection(const ObjectFile::CSection& section, const ObjectFile::CObjectFile& objectFile,
                                         const std::string& addressSpace, const CLoadWindow& window,
                                         const CLoadTarget& target, bool includeStackHeap);

@@ -1,22 +1,9 @@
-// Finds out why a load stored nothing.
+// Finds out why a load stored nothing, and what it left out.
 #include "src/flimemory/loadreport.h"
-
-#include "src/flimemory/loadplan.h"
 
 namespace marlune::foreign {
 
-std::set<std::string> LoadableSpaces(const ObjectFile::CObjectFile& image) {
-    std::set<std::string> spaces;
-    for (int i = 0; i < image.SectionsCount(); ++i) {
-        const ObjectFile::CSection& section = *image.GetSection(i);
-        const std::string& space = section.GetAddressSpaceName();
-        if (section.GetSectionDataByteCount() > 0 && section.GetMemoryByteAddressIsAbsolute() &&
-            IsLoaded(section, space, false)) {
-            spaces.insert(space);
-        }
-    }
-    return spaces;
-}
+namespace {
 
 std::string DescribeEmptyLoad(const ObjectFile::CObjectFile& image, const std::string& addressSpace) {
     const std::set<std::string> spaces = LoadableSpaces(image);
@@ -35,6 +22,33 @@ std::string DescribeEmptyLoad(const ObjectFile::CObjectFile& image, const std::s
         text += ".";
     }
     return text;
+}
+
+} // namespace
+
+std::set<std::string> LoadableSpaces(const ObjectFile::CObjectFile& image) {
+    std::set<std::string> spaces;
+    for (int i = 0; i < image.SectionsCount(); ++i) {
+        const ObjectFile::CSection& section = *image.GetSection(i);
+        const std::string& space = section.GetAddressSpaceName();
+        if (section.GetSectionDataByteCount() > 0 && section.GetMemoryByteAddressIsAbsolute() &&
+            IsLoaded(section, space, false)) {
+            spaces.insert(space);
+        }
+    }
+    return spaces;
+}
+
+std::string DescribeLoad(const ObjectFile::CObjectFile& image, const std::string& addressSpace,
+                         const CLoadResult& result) {
+    if (!result.m_HasStored) {
+        return DescribeEmptyLoad(image, addressSpace);
+    }
+    if (result.m_CutSection != nullptr) {
+        return "The last " + std::to_string(result.m_CutCount) + " LAUs of section '" + result.m_CutSection->GetName() +
+               "' in '" + image.GetFileName() + "' were not loaded: the memory ends before them.";
+    }
+    return "";
 }
 
 } // namespace marlune::foreign

@@ -28,7 +28,7 @@ inline std::uint64_t GroupOfBits(std::uint32_t bits) {
     return POSITION_0 * EACH_BYTE + SpreadBits(bits);
 }
 
-/// The number that the last elements stand for; those before the last 64 are not looked at.
+/// The number that the last 64 elements stand for; those before them are ignored.
 inline std::uint64_t NumberOfElements(const unsigned char* elements, int count) {
     constexpr int BITS = 64;
     if (count > BITS) {
@@ -45,7 +45,7 @@ inline std::uint64_t NumberOfElements(const unsigned char* elements, int count) 
     return number;
 }
 
-/// Writes a number's low bits to the elements; those of an array of more than 64 that come first become '0'.
+/// Writes a number's low bits to the elements. Those before the last 64 become '0'.
 inline void ElementsOfNumber(std::uint64_t number, unsigned char* elements, int count) {
     int left = count;
     for (; left >= static_cast<int>(GROUP_BYTES); number >>= 8U) {
@@ -57,7 +57,7 @@ inline void ElementsOfNumber(std::uint64_t number, unsigned char* elements, int 
     }
 }
 
-/// The value of an array; more than 1024 elements lose the first ones.
+/// The value of the last 1024 elements; those before them are ignored.
 inline marlune_int<1024, true> WordOfElements(const unsigned char* elements, int count) {
     using CWord = marlune_int<1024, true>;
     constexpr int LIMB_BITS = CWord::LIMB_BITS;
@@ -71,7 +71,7 @@ inline marlune_int<1024, true> WordOfElements(const unsigned char* elements, int
     return word;
 }
 
-/// Writes a value to an array; elements beyond 1024 repeat its sign.
+/// Writes a value to the elements. Those before the last 1024 repeat its sign.
 inline void ElementsOfWord(const marlune_int<1024, true>& word, unsigned char* elements, int count) {
     using CWord = marlune_int<1024, true>;
     constexpr int LIMB_BITS = CWord::LIMB_BITS;

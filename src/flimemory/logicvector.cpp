@@ -12,8 +12,8 @@ using CWord = marlune_int<1024, true>;
 constexpr int LIMB_BITS = CWord::LIMB_BITS;
 constexpr int LIMB_COUNT = CWord::LIMB_COUNT;
 
-// The calls for the single bits are most of what an access costs. Bits are collected in a register, and eight calls
-// share the steps of a loop.
+// Most of the cost of an access is the calls for single bits. So bits are collected in a register, and the loop is
+// unrolled eight times.
 constexpr int GROUP = 8;
 
 std::uint64_t GetBit(const t_vpi_vecval* vector, int index) {

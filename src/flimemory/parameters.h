@@ -17,7 +17,7 @@ struct CParameters {
 std::vector<std::string> SplitArguments(const std::string& text);
 
 /// Reads "<read_is_synchronous> <byte_bit_width> <size_in_bytes>", separated by blanks. Throws CGeneralError for
-/// another number of parameters and for a width of 0, std::invalid_argument for a text that is not a literal.
+/// another number of parameters or a width of 0, and std::invalid_argument for a text that is not a literal.
 CParameters ParseParameters(const std::string& text);
 
 } // namespace marlune::foreign::fli

@@ -1,4 +1,4 @@
-// What a memory instance carries from one clock edge to the next, and the passes over its ports at an edge.
+// The state of a memory instance between clock edges, and the passes over its ports at an edge.
 #ifndef MARLUNE_FLIMEMORY_PIPELINE_H
 #define MARLUNE_FLIMEMORY_PIPELINE_H
 
@@ -29,7 +29,7 @@ struct CPipeline {
         m_PendingWrites.Drain([&](const auto& write) { storage.Write(write.first, write.second); });
     }
 
-    /// Records a write that is committed at the next edge; of one prefix only the last counts.
+    /// Records a write, to be committed at the next edge. It replaces an earlier one of the same prefix.
     void Write(std::size_t prefix, std::uint32_t address, const TWord& value) {
         m_PendingWrites.Set(prefix, {address, value});
     }
@@ -39,8 +39,8 @@ struct CPipeline {
     CPrefixMap<std::pair<std::uint32_t, TWord>> m_PendingWrites; // address and value
 };
 
-/// A pass over all ports of an instance at an edge. TValues is where the values of signals come from and go to. Its
-/// IS_FREE says that a value may be read that is not needed.
+/// A pass over all ports of an instance at an edge. TValues is where the values of signals come from and go to. If its
+/// IS_FREE is true, reading a value that is not needed costs nothing.
 template <typename TWord, typename TValues>
 class CPass {
 public:
@@ -48,13 +48,13 @@ public:
         : m_Storage(storage), m_Ports(ports), m_Pipeline(pipeline), m_Values(values),
           m_ReadIsSynchronous(readIsSynchronous) {}
 
-    /// With ahead the pass leaves out what another one that follows at the same time replaces.
+    /// With `ahead` the pass leaves out what the next pass at the same time will replace.
     void Run(bool ahead) {
         if (ahead && m_Ports.m_SharedPorts.empty()) { // a shared port may be deselected by then
             DriveOutputs();
             return;
         }
-        for (const CReadPort& port : m_Ports.m_ReadPorts) { // whatever the read enable says
+        for (const CReadPort& port : m_Ports.m_ReadPorts) { // the read enable is ignored
             Read(port.m_ReadPrefix, port.m_Address, port.m_Data, port.m_Driver);
         }
         for (const CSharedPort& port : m_Ports.m_SharedPorts) {

@@ -30,14 +30,14 @@ const std::string RTLReadAddressName = "R" + RTLAddressName;
 const std::string RTLWriteAddressName = "W" + RTLAddressName;
 const std::string RTLChipSelectName = "CS0";
 
-/// Stores the port's signal into the target if the port's name ends in the role, upper or lower case.
+/// Stores the port's signal in `target` if the port's name ends in the role, in upper or lower case.
 void HandlePort(mtiSignalIdTag** target, const std::string& role, const mtiInterfaceListStruct_* port) {
     if (target == nullptr || port == nullptr) {
         throw CGeneralError("Ports are not set.");
     }
     const std::string_view name = port->name;
     if (name.size() < role.size()) {
-        throw std::out_of_range("basic_string::substr"); // the text that users know, whatever the library's own is
+        throw std::out_of_range("basic_string::substr"); // the text that users know, whatever the standard library's is
     }
     const auto sameLetter = [](char a, char b) {
         return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
@@ -99,7 +99,7 @@ FindGroups(const mtiInterfaceListT* ports) {
     return groups;
 }
 
-/// Adds the groups of which a port has been found.
+/// Adds the groups that have at least one port.
 template <typename TPort, std::size_t COUNT>
 void Describe(const char* kind, const CPortGroups<TPort>& ports, const CRole<TPort> (&roles)[COUNT],
               std::vector<CPortGroup>& groups) {
@@ -118,7 +118,7 @@ void Describe(const char* kind, const CPortGroups<TPort>& ports, const CRole<TPo
 
 using CPrefixes = std::set<std::string>;
 
-/// Drops incomplete groups, and adds the prefixes of the others to the set.
+/// Drops incomplete groups, and adds the prefixes of the others to `prefixes`.
 template <typename TPort, std::size_t COUNT>
 void DropIncomplete(CPortGroups<TPort>& ports, const CRole<TPort> (&roles)[COUNT], CPrefixes& prefixes) {
     for (auto port = ports.begin(); port != ports.end();) {

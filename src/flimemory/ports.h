@@ -1,4 +1,4 @@
-// The ports of a memory instance, and how they follow from the names of the entity's ports.
+// The ports of a memory instance, as the names of the entity's ports define them.
 #ifndef MARLUNE_FLIMEMORY_PORTS_H
 #define MARLUNE_FLIMEMORY_PORTS_H
 
@@ -14,7 +14,7 @@ namespace marlune::foreign::fli {
 /// A signal of a port.
 struct CPortSignal {
     mtiSignalIdTag* m_Handle = nullptr; // the simulator's
-    marlune_direct_signal m_Place{};    // of the signal's value, where direct calls serve the instance; see BindPorts
+    marlune_direct_signal m_Place{};    // of the signal's value, if direct calls serve the instance; see BindPorts
 };
 
 // In the records below the handles of signals and drivers are the simulator's, null until found or created.
@@ -52,14 +52,14 @@ struct CSharedPort {
     }
 };
 
-/// All complete ports of an instance, each kind ordered by the ports' prefixes: the text before the last "_" of their
-/// names.
+/// All complete ports of an instance. Each kind is ordered by the ports' prefixes: the text before the last "_" of
+/// their names.
 struct CPorts {
     std::vector<CReadPort> m_ReadPorts;
     std::vector<CWritePort> m_WritePorts;
     std::vector<CSharedPort> m_SharedPorts;
-    // The prefixes of ports that read and of those that write: how many different ones there are. The m_ReadPrefix or
-    // m_WritePrefix of a record is its prefix's index among them, in sorted order.
+    // The numbers of different prefixes of ports that read and of ports that write. The m_ReadPrefix or m_WritePrefix
+    // of a record is its prefix's index among them, in sorted order.
     std::size_t m_ReadPrefixes = 0;
     std::size_t m_WritePrefixes = 0;
 };
@@ -67,8 +67,8 @@ struct CPorts {
 /// Finds the port "CLK". Throws CGeneralError if there is none.
 mtiSignalIdT FindClock(mtiInterfaceListT* ports);
 
-/// Groups the ports in the list by the prefixes and the roles of their names, upper and lower case alike. Groups that
-/// lack a port are left out. Throws std::out_of_range for a name that is shorter than a role.
+/// Groups the ports in the list by the prefixes and the roles of their names. The case of a role does not matter.
+/// Groups that lack a port are left out. Throws std::out_of_range for a name that is shorter than a role.
 CPorts GroupPorts(const mtiInterfaceListT* ports);
 
 /// A group of ports of one prefix and kind, complete or not.
@@ -81,7 +81,7 @@ struct CPortGroup {
 /// The prefix of a port's name.
 std::string PrefixOf(const std::string& name);
 
-/// All groups of which there is at least one port, ordered by prefix.
+/// All groups that have at least one port, ordered by prefix.
 std::vector<CPortGroup> DescribeGroups(const mtiInterfaceListT* ports);
 
 /// Copies the places to which the handles of the signals point, so that a pass over the ports finds them at once.

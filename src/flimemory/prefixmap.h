@@ -7,8 +7,8 @@
 
 namespace marlune::foreign::fli {
 
-/// An ordered map from port prefix to T. The set of possible prefixes is fixed when an instance is elaborated, so a
-/// prefix is named by its index in that set, whose order is the map's.
+/// An ordered map from port prefix to T. The possible prefixes are fixed when an instance is elaborated, so a prefix is
+/// given by its index in their order.
 ///
 /// Implementation note: an array with a place for each possible entry. No operation allocates, and an entry that is
 /// created again reuses its place.
@@ -40,7 +40,7 @@ public:
         Drain([](const T&) {});
     }
 
-    /// Takes all entries out, in the order of the prefixes, and calls visit(value) for each.
+    /// Removes all entries, in the order of the prefixes, and calls visit(value) for each.
     template <typename TVisitor>
     void Drain(TVisitor&& visit) {
         for (std::size_t i = 0; i < m_Count; ++i) {
@@ -52,7 +52,7 @@ public:
         }
     }
 
-    /// Of two maps with the same prefixes.
+    /// The other map must have the same prefixes.
     void swap(CPrefixMap& other) noexcept { m_Places.swap(other.m_Places); }
 
 private:

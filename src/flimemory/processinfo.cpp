@@ -14,7 +14,7 @@ using CWord = CStorage::CWord;
 /// The values of ports that are the simulator's signals.
 class CSignalValues {
 public:
-    static constexpr bool IS_FREE = false; // each value is a number of calls
+    static constexpr bool IS_FREE = false; // each value costs several calls
 
     static std::uint32_t Address(const CPortSignal& signal) {
         return static_cast<std::uint32_t>(marlune::fli::GetLow64(signal.m_Handle));

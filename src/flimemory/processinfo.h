@@ -1,4 +1,4 @@
-// A memory instance and the rules by which it tells clock edges.
+// A memory instance and the rules by which it recognises clock edges.
 #ifndef MARLUNE_FLIMEMORY_PROCESSINFO_H
 #define MARLUNE_FLIMEMORY_PROCESSINFO_H
 
@@ -40,12 +40,12 @@ public:
         return m_LastEdge;
     }
 
-    /// Serves all ports at a rising edge, from the signals' present values. Repeating it within one time replaces what
+    /// Serves all ports at a rising edge, from the signals' current values. A repetition within one time replaces what
     /// the earlier delta cycles read and recorded.
     void ServePorts();
 
-    /// The same with other values than the signals'. With ahead it leaves out what is replaced anyway by another pass
-    /// that follows at the same time.
+    /// The same with values from elsewhere. With `ahead` it leaves out what the next pass at the same time will
+    /// replace.
     template <typename TValues>
     void ServePorts(TValues& values, bool ahead) {
         WithPipeline(
@@ -70,13 +70,13 @@ private:
         }
     }
 
-    /// Kept out of the path of numbers, which is short.
+    /// Kept out of line, so that the path for numbers stays short.
     template <typename TAction>
     [[gnu::noinline]] void WithWords(TAction& action) {
         action(m_Words);
     }
 
-    // The one that fits the storage is in use.
+    // Which of them is in use depends on the storage.
     CPipeline<std::uint64_t> m_Numbers;
     CPipeline<CStorage::CWord> m_Words;
 };

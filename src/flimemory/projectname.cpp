@@ -22,7 +22,7 @@ bool IsInsideWord(const std::string& text, std::size_t position, std::size_t len
 
 void RewriteString(std::string& text, const std::string& from, const std::string& to, bool wholeWord) {
     if (from.empty()) {
-        return; // it would be found everywhere without end
+        return; // it would be found again and again
     }
     std::size_t position = 0;
     while ((position = text.find(from, position)) != std::string::npos) {

@@ -6,12 +6,12 @@
 
 namespace marlune {
 
-/// Replaces each occurrence of from in the text. With wholeWord an occurrence that has a letter, a digit, "_" or "-"
-/// beside it is left alone.
+/// Replaces each occurrence of `from` in the text by `to`. With `wholeWord` it skips an occurrence that has a letter, a
+/// digit, "_" or "-" beside it.
 void RewriteString(std::string& text, const std::string& from, const std::string& to, bool wholeWord);
 
-/// The name under which a memory instance is known to a test bench: the name with each of
-/// - = / * + % . : , blank ( ) [ ] { } > < @ # & \ turned into "_".
+/// The name under which a test bench knows a memory instance: `name` with "_" in place of each of
+/// - = / * + % . : , blank ( ) [ ] { } > < @ # & \ .
 std::string FixProjectName(const std::string& name);
 
 } // namespace marlune

@@ -17,7 +17,7 @@ bool HasEnumerationElements(mtiTypeIdT arrayType) {
     return mti_GetTypeKind(mti_GetArrayElementType(arrayType)) == MTI_TYPE_ENUM;
 }
 
-/// Asks the simulator for a signal's value. The elements of an array are converted by convert(elements, count).
+/// Asks the simulator for a signal's value. convert(elements, count) converts the elements of an array.
 template <typename TResult, typename TConvert>
 TResult ReadSignal(mtiSignalIdTag* signal, TConvert&& convert) {
     if (signal == nullptr) {
@@ -39,7 +39,7 @@ TResult ReadSignal(mtiSignalIdTag* signal, TConvert&& convert) {
     if (kind == MTI_TYPE_ENUM) {
         return mti_GetSignalValue(signal) == POSITION_1 ? TResult(1) : TResult();
     }
-    std::cerr << "Unsupported type of singal." << std::endl; // the text differs from the array's: scripts look for it
+    std::cerr << "Unsupported type of singal." << std::endl; // misspelt, unlike the array's: scripts look for it
     return TResult();
 }
 
@@ -56,7 +56,7 @@ bool IsOneOfElements(const unsigned char* elements, int count) {
            std::find(begin, end - NUMBER_BITS, POSITION_1) == end - NUMBER_BITS;
 }
 
-/// Hands a value, or the address of an array of them, to the driver or else to the signal.
+/// Passes a value, or the address of an array of them, to the driver, or to the signal if there is none.
 void Drive(mtiSignalIdT signal, mtiLongT value, mtiDriverIdT driver, int delay, mtiDriverModeEnum_ mode) {
     if (driver == nullptr) {
         mti_SetSignalValue(signal, value);
@@ -65,7 +65,7 @@ void Drive(mtiSignalIdT signal, mtiLongT value, mtiDriverIdT driver, int delay, 
     }
 }
 
-/// Drives a signal. The elements of an array are written by convert(elements, count).
+/// Drives a signal. convert(elements, count) writes the elements of an array.
 template <typename TConvert>
 void WriteSignal(mtiSignalIdTag* signal, bool isOne, mtiDriverIdTag* driver, int delay, mtiDriverModeEnum_ mode,
                  TConvert&& convert) {

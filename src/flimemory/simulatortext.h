@@ -1,4 +1,4 @@
-// Texts as the simulator takes them: writable.
+// Texts for the simulator, which takes them as writable.
 #ifndef MARLUNE_FLIMEMORY_SIMULATORTEXT_H
 #define MARLUNE_FLIMEMORY_SIMULATORTEXT_H
 

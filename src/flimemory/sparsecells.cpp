@@ -1,4 +1,4 @@
-// Finds, makes and drops the blocks of sparse cells.
+// Finds, creates and drops the blocks of sparse cells.
 #include "src/flimemory/sparsecells.h"
 
 #include <algorithm>
@@ -148,7 +148,7 @@ CSparseCells::CBlock& CSparseCells::BlockWith(std::uint32_t number, std::uint64_
         slot = FindSlot(number);
     }
     CBlock& block = m_Slots[slot];
-    if (isNew && IsInZeroRun(number)) { // all its cells are there, and counted
+    if (isNew && IsInZeroRun(number)) { // all its cells are present, and counted
         block.Insert(number, ALL_CELLS);
     } else {
         m_Size += block.Insert(number, cells);
@@ -217,8 +217,8 @@ void CSparseCells::FillBlocks(std::uint32_t first, std::uint32_t last) {
     m_Size += added * BLOCK_CELLS;
 }
 
-/// Takes a block out of the table, and moves up what stands after it because its own slot was taken (D. Knuth, The Art
-/// of Computer Programming, volume 3, section 6.4, algorithm R).
+/// Removes a block from the table, and moves up the blocks that it had pushed out of their slots (D. Knuth, The Art of
+/// Computer Programming, volume 3, section 6.4, algorithm R).
 void CSparseCells::DropBlock(std::uint32_t number) {
     std::size_t hole = SlotOf(m_Slots, number);
     CBlock& dropped = m_Slots[hole];

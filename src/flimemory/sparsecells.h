@@ -16,13 +16,13 @@
 
 namespace marlune::foreign::fli {
 
-/// An ordered map from 32-bit address to word that is made for memories.
+/// An ordered map from 32-bit address to word, made for memories.
 ///
 /// Implementation note: blocks of 64 cells are kept in a hash table with open addressing. An access costs one look-up,
-/// mostly that of the block before, and two places in memory. A word of up to 64 significant bits takes 8 bytes; wider
-/// ones are indices of words that stand elsewhere. Blocks of zeros that come from a load are not in the table at all
-/// but kept as runs, so that a gigabyte of them costs one entry. A list of the blocks' numbers, which is sorted only
-/// when somebody asks for an order, makes filling a range and visiting it cost as much as there are blocks in it.
+/// which usually finds the same block as the last one, and visits two places in memory. A word of up to 64 significant
+/// bits takes 8 bytes; a wider one is the index of a word that is stored elsewhere. Blocks of zeros from a load are not
+/// in the table but kept as runs, so that a gigabyte of them costs one entry. A list of the blocks' numbers is sorted
+/// only when an order is asked for; with it, filling or visiting a range costs as much as the range has blocks.
 ///
 /// Not copyable.
 class CSparseCells {
@@ -35,13 +35,13 @@ public:
     /// Inserts or overwrites the cell.
     void Write(std::uint32_t address, const CWord& word);
 
-    /// Inserts or overwrites count cells from the first on.
+    /// Inserts or overwrites `count` cells from the first on.
     void WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, std::uint32_t count);
 
-    /// The same as writing zero to count cells from the first on, without taking memory for each.
+    /// The same as writing zero to `count` cells from the first on, without taking memory for each.
     void FillZero(std::uint32_t first, std::uint32_t count);
 
-    /// Calls visit(address, word) for each cell present from the first to the last address, in their order.
+    /// Calls visit(address, word) for each cell present from the first to the last address, in order.
     template <typename TVisitor>
     void VisitCells(std::uint32_t first, std::uint32_t last, TVisitor&& visit);
 
@@ -66,11 +66,11 @@ private:
         bool HasWide(std::uint64_t cells) const { return (cells & m_Wide) != 0; }
         unsigned CountPresent() const;
         void SetWide(unsigned cell, bool wide);
-        /// Of a cell that is present; those of following cells that are present too follow.
+        /// The word of a cell that is present. The words of the next cells present follow it.
         std::uint64_t& Word(unsigned cell) { return m_Words[Rank(cell)]; }
         std::uint64_t Word(unsigned cell) const { return m_Words[Rank(cell)]; }
-        /// Adds those of the cells (bit i: cell i) that are absent, as zero, to the block of this number; returns how
-        /// many they were.
+        /// Makes this the block with the number, and adds those of the cells (bit i: cell i) that are absent, as zero.
+        /// Returns how many it added.
         unsigned Insert(std::uint32_t number, std::uint64_t cells);
 
     private:
@@ -83,11 +83,11 @@ private:
         std::unique_ptr<std::uint64_t[]> m_Words; // of the cells present, in address order
     };
 
-    /// Where a block stands unless another one has taken the slot.
+    /// The slot of a block unless another one has taken it.
     static std::size_t HomeSlot(std::size_t slots, std::uint32_t number);
     /// The slot of the block, or the free one where it would be.
     static std::size_t SlotOf(const std::vector<CBlock>& slots, std::uint32_t number);
-    /// The block of this number, with the cells (bit i: cell i), which are created as zero where they are absent.
+    /// The block of this number, with the cells (bit i: cell i). Those that are absent are created as zero.
     CBlock& BlockWith(std::uint32_t number, std::uint64_t cells);
     std::size_t FindSlot(std::uint32_t number);
     void AddSlots();
@@ -101,12 +101,12 @@ private:
     void StoreWide(CBlock& block, unsigned cell, const CWord& word);
     CWord Load(const CBlock& block, unsigned cell) const;
 
-    std::vector<CBlock> m_Slots;          // open addressing, a power of two, at most three quarters of them taken
+    std::vector<CBlock> m_Slots;          // open addressing; their number is a power of two, at most 3/4 are taken
     std::vector<std::uint32_t> m_Numbers; // of all blocks in the table
-    std::size_t m_SortedNumbers = 0;      // so many of them are in order
+    std::size_t m_SortedNumbers = 0;      // the first ones, which are in order
     std::uint64_t m_Size = 0;
-    std::size_t m_LastSlot = 0; // accesses come in runs
-    // First to last number of runs of blocks whose cells are all present, and zero unless the block is in the table.
+    std::size_t m_LastSlot = 0; // of the last access, because accesses come in runs
+    // Runs of blocks, first to last number, whose cells are all present, and zero unless the block is in the table.
     std::map<std::uint32_t, std::uint32_t> m_ZeroRuns;
     std::deque<CWord> m_WideWords;
     std::vector<std::uint64_t> m_FreeWideWords;
@@ -114,7 +114,7 @@ private:
 
 template <typename TVisitor>
 void CSparseCells::VisitCells(std::uint32_t first, std::uint32_t last, TVisitor&& visit) {
-    // Ranges of zeros lie between blocks; both are visited up to a block, and then the block itself.
+    // Runs of zeros lie between the blocks: visit them up to a block, and then the block itself.
     std::uint64_t next = first;
     const auto visitZeros = [&](std::uint64_t end) {
         auto run = m_ZeroRuns.upper_bound(static_cast<std::uint32_t>(next / BLOCK_CELLS));

@@ -1,4 +1,4 @@
-// What all storages share: out-of-range accesses and their messages.
+// Allocation of storages, accesses to whole words, and the messages of out-of-range accesses.
 #include "src/flimemory/storage.h"
 
 #include <algorithm>

@@ -13,9 +13,9 @@ namespace marlune::foreign::fli {
 
 /// The contents of one memory instance.
 ///
-/// A cell holds one whole value of a data port, and the address is the cell's index: 0 to m_Size - 1. Exactly one
-/// representation is in use: m_Words64 for cells of up to 64 bits, m_WordsWide for wider ones, or m_Contents where the
-/// size is SPARSE_SIZE, which asks for the whole 32-bit address range.
+/// A cell holds one whole value of a data port, and an address is a cell's index: 0 to m_Size - 1. Exactly one
+/// representation is in use: m_Words64 for cells of up to 64 bits, m_WordsWide for wider ones, or m_Contents if the
+/// size is SPARSE_SIZE, which means the whole 32-bit address range.
 class CStorage {
 public:
     using CWord = marlune_int<1024, true>;
@@ -23,15 +23,15 @@ public:
     static constexpr std::uint32_t SPARSE_SIZE = 0xFFFFFFFF;
     static constexpr std::uint32_t WORD64_BITS = 64;
 
-    /// All cells read as zero and take no memory until they are touched. Throws CGeneralError when the system cannot
+    /// All cells read as zero and take no memory until they are touched. Throws CGeneralError if the system cannot
     /// provide the address range.
     CStorage(std::string name, std::uint32_t byteBitWidth, std::uint32_t size);
 
-    /// Whether the cells are numbers of 64 bits, so that accesses may use such in place of words.
+    /// Whether the cells are numbers of 64 bits, so that accesses may use numbers instead of words.
     bool HoldsNumbers() const { return m_Words64 != nullptr; }
 
     /// The word at the address; a 64-bit cell is zero-extended, and an absent sparse cell is created. An address
-    /// outside of the memory is reported in the transcript and gives zero.
+    /// outside the memory is reported in the transcript and gives zero.
     void Read(std::uint32_t address, CWord& value);
     CWord Read(std::uint32_t address) {
         CWord value;
@@ -39,8 +39,8 @@ public:
         return value;
     }
 
-    /// Stores the word; a 64-bit cell keeps its low 64 bits, whatever the LAU's width. An address outside of the memory
-    /// is reported in the transcript, and nothing changes.
+    /// Stores the word; a 64-bit cell keeps its low 64 bits, whatever the LAU's width. An address outside the memory is
+    /// reported in the transcript, and the write has no effect.
     void Write(std::uint32_t address, const CWord& value);
 
     /// The same for memories that hold numbers.
@@ -55,19 +55,19 @@ public:
         }
     }
 
-    /// The cells from the first on where they are numbers, else null.
+    /// The cells from the first on if they are numbers, else null.
     std::uint64_t* NumbersFrom(std::uint32_t first) { return HoldsNumbers() ? &m_Words64[first] : nullptr; }
 
-    /// Calls visit(address, word) for each cell that is present from the first to the last address, in their order.
-    /// Dense memories have all their cells.
+    /// Calls visit(address, word) for each cell present from the first to the last address, in order. All cells of a
+    /// dense memory are present.
     template <typename TVisitor>
     void VisitCells(std::uint32_t first, std::uint32_t last, TVisitor&& visit);
 
-    /// Writes numbers of 64 bits to as many cells from the first on, all of them inside of the memory.
+    /// Writes numbers of 64 bits to `count` cells from the first on, all of them inside the memory.
     void WriteNumbers(std::uint32_t first, const std::uint64_t* numbers, std::uint32_t count);
 
-    /// The same as writing zero to count cells from the first on, all of them inside of the memory. The cost follows
-    /// the cells that were ever touched, and no memory is taken for each.
+    /// The same as writing zero to `count` cells from the first on, all of them inside the memory. The cost grows only
+    /// with the cells that were ever touched, and no memory is taken for each.
     void FillZero(std::uint32_t first, std::uint32_t count);
 
     CSparseCells m_Contents;
@@ -78,7 +78,7 @@ public:
     std::uint32_t m_Size;         // cells
 
 private:
-    /// Print an access outside of the memory; the result of a read is zero.
+    /// Print the message of an access outside the memory. The result of a read is zero.
     std::uint64_t ReportRead(std::uint32_t address) const;
     void ReportWrite(std::uint32_t address) const;
 };

@@ -12,11 +12,11 @@ namespace marlune::foreign::fli {
 
 /// Storages by normalised instance name, borrowed from their CProcessInfo.
 ///
-/// Implementation note: a test bench looks a name up at every access, and mostly the one that it looked up before. That
-/// one is compared first, which costs a fraction of hashing it.
+/// Implementation note: a test bench looks up a name at every access, usually the same as before. The last name is
+/// compared first, which costs a fraction of hashing it.
 class CStorageRegistry {
 public:
-    /// Registers the storage; one that has the name already loses it.
+    /// Registers the storage, in place of one that had the name.
     void Set(const std::string& name, CStorage* storage) {
         m_Storages[name] = storage;
         m_LastFound = nullptr;

@@ -1,4 +1,4 @@
-// The values of ports that are served by direct calls: places in vectors of bits.
+// The values of ports that are served by direct calls: places in bit vectors.
 #ifndef MARLUNE_FLIMEMORY_VECTORVALUES_H
 #define MARLUNE_FLIMEMORY_VECTORVALUES_H
 
@@ -65,7 +65,7 @@ public:
         }
     }
 
-    /// Whether an output got another value than it had.
+    /// Whether an output has changed.
     bool HasChanged() const { return m_Changed != 0; }
 
 private:
@@ -88,12 +88,12 @@ private:
         }
     }
 
-    /// The low bits of a word, as many as the width says, or all of them.
+    /// The low `width` bits of a word, or all of them.
     static std::uint64_t MaskOf(std::uint32_t width) {
         return width >= WORD_BITS ? ~std::uint64_t{0} : (std::uint64_t{1} << width) - 1;
     }
 
-    /// Whether the value's 64 bits from the word on reach into another word of the vector.
+    /// Whether the value's 64 bits from its word `word` on reach into another word of the vector.
     static bool IsSplit(const marlune_direct_signal& place, std::uint32_t word) {
         return place.shift + std::min(place.width - word * WORD_BITS, WORD_BITS) > WORD_BITS;
     }

@@ -1,4 +1,4 @@
-// Memory from the system that is zero and takes no space before it is touched.
+// Memory from the system that is zero and takes no space until it is touched.
 #include "src/flimemory/zeroedpages.h"
 
 #include <cstring>

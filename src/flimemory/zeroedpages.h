@@ -1,4 +1,4 @@
-// Arrays of zeros that take no memory before they are touched.
+// Arrays of zeros that take no memory until they are touched.
 #ifndef MARLUNE_FLIMEMORY_ZEROEDPAGES_H
 #define MARLUNE_FLIMEMORY_ZEROEDPAGES_H
 
@@ -10,16 +10,16 @@
 
 namespace marlune::foreign::fli {
 
-/// Pages of zeros from the system, which hands each out when it is first touched; null when there is no such range.
-/// The caller gives them back with ReleasePages and the same size in bytes.
+/// Pages of zeros, which the system provides when they are first touched; null if it has no such range. The caller
+/// releases them with ReleasePages and the same size in bytes.
 void* ReservePages(std::size_t bytes);
 void ReleasePages(void* pages, std::size_t bytes);
 
-/// Sets a part of such pages to zero. The cost follows the pages that were ever touched and not the size, since whole
-/// pages go back to the system.
+/// Sets a part of such pages to zero. The cost grows with the pages that were ever touched and not with the size,
+/// because whole pages go back to the system.
 void ClearBytes(void* first, std::size_t bytes);
 
-/// Gives the pages of an array back.
+/// Releases the pages of an array.
 struct CPageRelease {
     std::size_t m_Bytes = 0;
 
@@ -30,11 +30,11 @@ struct CPageRelease {
 template <typename T>
 using CZeroedArray = std::unique_ptr<T[], CPageRelease>;
 
-/// Null when the array does not fit into the address space or the system refuses it.
+/// Null if the array does not fit into the address space or the system refuses it.
 template <typename T>
 CZeroedArray<T> MakeZeroedArray(std::uint32_t count) {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>,
-                  "the elements come to be by their bytes being zero and vanish with them");
+                  "the elements are created as zero bytes and never destroyed");
     if (count > std::numeric_limits<std::size_t>::max() / sizeof(T)) {
         return nullptr;
     }

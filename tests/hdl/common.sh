@@ -34,6 +34,8 @@ check_options() {
     [[ $(tr '\n' '|' < cells) == "$cells" ]] || fail "$(< cells)"
     expect 0 "warning: '$pattern': Nothing was loaded from 'image.vexon': *It has address spaces 'data', 'high'." \
         "${@:2}" "+marlune_load=$path,image.vexon,dta"
+    expect 0 "warning: '$pattern': The last 4 LAUs of section '.data' in 'image.vexon' were not loaded: the memory" \
+        "${@:2}" "+marlune_load=$path,image.vexon,data,0xff4"
 
     expect 1 "'+marlune_lod=x': there is no such option. The options are +marlune_load=PATH," "${@:2}" +marlune_lod=x
     expect 1 "Option '+marlune_load=$pattern': a path and a file are needed" "${@:2}" "+marlune_load=$path"
