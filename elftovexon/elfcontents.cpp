@@ -49,11 +49,11 @@ private:
     unsigned m_Used = 0; // digits in *m_Limb
 };
 
-/// Packs the memory bytes of `contents`, each in `step` bytes; returns their number.
+/// Packs the LAUs of `contents`, each in `step` bytes. Returns their number.
 std::int64_t PackContents(std::string_view contents, std::size_t step, unsigned bits, ObjectFile::eByteOrder order,
                           std::uint64_t* limbs) {
     const auto count = static_cast<std::int64_t>((contents.size() + step - 1) / step);
-    if (bits == step * 8) { // no digit of the file is left out
+    if (bits == step * 8) { // every digit of the file is used
         for (; contents.size() >= LIMB_BYTES; contents.remove_prefix(LIMB_BYTES)) {
             *limbs++ = DigitsOf(contents, order);
         }
@@ -71,7 +71,7 @@ std::int64_t PackContents(std::string_view contents, std::size_t step, unsigned 
 
 } // namespace
 
-int FileBytesPerByte(int bits) {
+int FileBytesPerLau(int bits) {
     for (const int fileBytes : {1, 2, 4, 8}) {
         if (bits <= fileBytes * 8) {
             return fileBytes;
@@ -82,7 +82,7 @@ int FileBytesPerByte(int bits) {
 
 void AddContents(ObjectFile::CSectionData& data, std::string_view contents, std::size_t fileBytes,
                  ObjectFile::eByteOrder order) {
-    constexpr std::size_t AT_ONCE = std::size_t{1} << 16; // file bytes: a whole number of memory bytes and of limbs
+    constexpr std::size_t AT_ONCE = std::size_t{1} << 16; // bytes of the file: a whole number of LAUs and of limbs
     const int bits = data.GetByteBitSize();
     std::vector<std::uint64_t> limbs(AT_ONCE / LIMB_BYTES + 1);
     for (; !contents.empty(); contents.remove_prefix(std::min(contents.size(), AT_ONCE))) {

@@ -10,11 +10,11 @@
 
 namespace marlune::elf {
 
-/// File bytes that hold one memory byte of `bits` bits: 1, 2, 4 or 8, and 0 above 64 bits.
-int FileBytesPerByte(int bits);
+/// The bytes of the file that hold a LAU of `bits` bits: 1, 2, 4 or 8, and 0 above 64 bits.
+int FileBytesPerLau(int bits);
 
-/// Appends the memory bytes in `contents`, each in `fileBytes` bytes, as ElfToVexon::ConvertByteToVexon writes them.
-/// The data's byte bit-size is 1 to 64. A last memory byte that `contents` holds in part is filled up with zeros.
+/// Appends the LAUs in `contents`, each in `fileBytes` bytes, as ElfToVexon::ConvertByteToVexon writes them. They have
+/// 1 to 64 bits, as many as those of `data`. If `contents` ends within a LAU, zeros complete it.
 void AddContents(ObjectFile::CSectionData& data, std::string_view contents, std::size_t fileBytes,
                  ObjectFile::eByteOrder order);
 

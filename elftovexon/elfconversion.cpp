@@ -1,4 +1,4 @@
-// Conversion of an ELF file that was read and checked into the object model.
+// Conversion of an ELF file, already read and checked, into the object model.
 #include <algorithm>
 #include <array>
 #include <iterator>
@@ -9,7 +9,7 @@
 #include "elftovexon/elftovexon.h"
 #include "general_error"
 
-using marlune::elf::FileBytesPerByte;
+using marlune::elf::FileBytesPerLau;
 using marlune::exceptions::CGeneralError;
 using ObjectFile::BO_BIG;
 using ObjectFile::BO_LITTLE;
@@ -77,9 +77,9 @@ CMemoryOrganization Organization(CMemoryOrganization named, int wordBitSize, int
 
 constexpr std::size_t LONG_NAME = 1024;
 
-/// Bits of a memory byte.
+/// The bits of a LAU.
 int BitsPerByte(const CMemoryOrganization& organization) {
-    if (organization.GetBytesPerWord() < 1) { // words of 0 bits, in which nothing can lie
+    if (organization.GetBytesPerWord() < 1) { // words of 0 bits, which hold nothing
         throw CGeneralError("Unsupported word length\n");
     }
     return organization.GetWordBitSize() / organization.GetBytesPerWord();
@@ -183,7 +183,7 @@ void ElfToVexon::ConvertSections() {
     }
 }
 
-/// From the address space that the upper half of the flags names; bytes of 8 bits in words of 32 when there is none.
+/// From the address space that the upper half of the flags names; LAUs of 8 bits in words of 32 if there is none.
 CMemoryOrganization ElfToVexon::OrganizationOf(const Elf64_Shdr& section) const {
     const std::uint64_t index = section.sh_flags >> 32;
     if (index >= m_AddressSpaces.size()) {
@@ -199,7 +199,7 @@ void ElfToVexon::ConvertContents(int index, CSection& section) const {
     if (contents.empty()) {
         return;
     }
-    const auto fileBytes = static_cast<std::size_t>(FileBytesPerByte(BitsPerByte(section)));
+    const auto fileBytes = static_cast<std::size_t>(FileBytesPerLau(BitsPerByte(section)));
     if (fileBytes == 0) {
         throw CGeneralError("Unsupported byte bit-size\n");
     }
@@ -213,7 +213,7 @@ void ElfToVexon::ConvertContents(int index, CSection& section) const {
 
 char* ElfToVexon::ConvertByteToVexon(const unsigned char* data, int bits, ObjectFile::eByteOrder order, char* out) {
     const bool big = order == BO_BIG;
-    const int fileBytes = FileBytesPerByte(bits);
+    const int fileBytes = FileBytesPerLau(bits);
     for (int i = 0; i < bits; ++i) { // from the least significant bit upward
         const int byte = big ? fileBytes - 1 - i / 8 : i / 8;
         const bool set = byte >= 0 && (data[byte] >> (i % 8) & 1) != 0;
@@ -223,19 +223,19 @@ char* ElfToVexon::ConvertByteToVexon(const unsigned char* data, int bits, Object
 }
 
 void ElfToVexon::ConvertSymbols() {
+    m_ConvertedSections.clear(); // a conversion that failed may have left some of another object
     if (m_Symbols.size() < 2) {
         return;
     }
     ObjectFile::CSymbolTable& table = *m_Target->CreateSymbolTable();
     std::for_each(std::next(m_Symbols.begin()), m_Symbols.end(),
                   [&](const Elf64_Sym& entry) { table.AddSymbol(ConvertSymbol(entry)); });
-    m_ConvertedSections.clear();
     m_SymbolStrings.reset();
 }
 
 std::unique_ptr<CSymbol> ElfToVexon::ConvertSymbol(const Elf64_Sym& entry) {
     CSharedText name = SymbolName(entry);
-    if (name.View().size() > LONG_NAME) { // symbols share their names' ends, but each is searched and hashed
+    if (name.View().size() > LONG_NAME) { // the file shares the ends of names, but each is searched and hashed in full
         m_File.CountName(name.View().size());
     }
     auto symbol = std::make_unique<CSymbol>(std::move(name), SymbolType(entry));
@@ -263,7 +263,7 @@ CSharedText ElfToVexon::SymbolString(unsigned offset) {
     return {m_SymbolStrings, TerminatedPiece(*m_SymbolStrings, &offset, '\0')};
 }
 
-/// The section of the object with the name of that ELF section, or none; looked up once, for names may be long.
+/// The section of the object with the name of that ELF section, or none; looked up once, because names may be long.
 CSection* ElfToVexon::ConvertedSection(unsigned index) {
     const std::string& name = GetSectionName(index);
     const auto [known, isNew] = m_ConvertedSections.emplace(index, nullptr);
@@ -290,7 +290,7 @@ void ElfToVexon::PlaceSymbol(const Elf64_Sym& entry, CSymbol& symbol) {
         break;
     }
     CSection* const section = ConvertedSection(entry.st_shndx);
-    if (section == nullptr && IsExec()) { // its address would be wanted
+    if (section == nullptr && IsExec()) { // its address is needed
         throw CGeneralError("Symbol '" + symbol.GetName() + "': missing section\n");
     }
     // Both are 32-bit addresses; that of the section is held sign-extended.

@@ -114,14 +114,14 @@ void ElfToVexon::ReadHeader() {
     if (m_Header.e_machine != MACHINE) {
         throw CGeneralError("Incorrect architecture\n");
     }
-    if (m_Header.e_ident[EI_CLASS] == ELFCLASS32) { // all others are read with the 64-bit layouts
+    if (m_Header.e_ident[EI_CLASS] == ELFCLASS32) { // all other values are read with the 64-bit layouts
         throw CGeneralError("Unsupported ELF class\n");
     }
 }
 
 void ElfToVexon::ReadTables() {
     for (std::uint32_t i = 0; i < m_Header.e_phnum; ++i) {
-        // The toolchain forms this offset in 32 bits.
+        // The toolchain computes this offset in 32 bits.
         const std::uint32_t offset = static_cast<std::uint32_t>(m_Header.e_phoff) + i * m_Header.e_phentsize;
         m_ProgramHeaders.push_back(m_File.TakeRecord<Elf64_Phdr>(offset));
     }
@@ -199,7 +199,7 @@ void ElfToVexon::ReadSectionNames() {
     }
 }
 
-/// Swaps the bytes of a 16-bit value of a big-endian file; the way back is the same.
+/// Swaps the bytes of a 16-bit value of a big-endian file, in either direction.
 std::uint16_t ElfToVexon::FileOrder(std::uint16_t value) const {
     return IsBigEndian() ? static_cast<std::uint16_t>(value << 8 | value >> 8) : value;
 }
@@ -261,7 +261,7 @@ std::string ElfToVexon::GetSymbolName(unsigned offset) const {
     return std::string(GetVectorPieceTerminatedBy(GetSectionIndexOfName(".strtab"), &offset, '\0'));
 }
 
-/// False when several segments with contents are all at physical address 0: the linker gave none then.
+/// False if several segments with contents are all at physical address 0: then the linker has given none.
 bool ElfToVexon::HasPhysicalAddresses() const {
     int loaded = 0;
     for (const Elf64_Phdr& segment : m_ProgramHeaders) {

@@ -32,21 +32,21 @@ public:
 /// Converts a 64-bit ELF file of the toolchain into an object file. Its errors are CGeneralErrors unless said
 /// otherwise.
 ///
-/// A "memory byte" is the least addressable unit of an address space: 1 to 64 bits, stored in 1, 2, 4 or 8 bytes of the
-/// file. In a big-endian file only 16-bit values are in that byte order: those of the file header and of the address
-/// space table, and the section index of a symbol. All others are little-endian like the host.
+/// A LAU of an address space has 1 to 64 bits, and is stored in 1, 2, 4 or 8 bytes of the file. In a big-endian file
+/// only 16-bit values are in that byte order: those of the file header and of the address space table, and the section
+/// index of a symbol. All others are little-endian like the host.
 class ElfToVexon : public Converter {
 public:
-    /// Reads and checks the file; the converted object is made and owned here.
+    /// Reads and checks the file; the converter creates and owns the converted object.
     explicit ElfToVexon(const char* fileName);
     /// The same; converts into `target`, which is borrowed.
     ElfToVexon(const char* fileName, ObjectFile::CObjectFile* target);
     /// The same for a file that is open already.
     ElfToVexon(ObjectFile::CFileHandle file, std::string fileName, ObjectFile::CObjectFile* target);
 
-    /// Does the file begin with the ELF magic? False when it cannot be read.
+    /// Does the file begin with the ELF magic? False if it cannot be read.
     static bool IsElfFile(const char* path);
-    /// The same for an open file, whose position stays.
+    /// The same for an open file, whose position does not change.
     static bool IsElfFile(std::FILE& file);
 
     /// Fills the object file. Besides CGeneralError the object model's errors pass: general_error for two non-local
@@ -56,7 +56,7 @@ public:
     /// Writes the converted object as a text object file; as CObjectFile::SaveFile.
     bool SaveToFile(const char* name);
     /// Hands the converted object over to the caller, who deletes it (or had passed it in and owns it anyway). The
-    /// converter goes on with an empty one of its own.
+    /// converter continues with an empty one of its own.
     ObjectFile::CObjectFile* ReleaseConvertedVexon();
 
     /// Is it an executable, its sections thus at absolute addresses?
@@ -65,23 +65,23 @@ public:
     bool IsHarvard() const { return m_AddressSpaces.size() > 1; }
 
     const std::string& GetSectionName(unsigned index) const;
-    /// The first section of that name. When there is none, says so on standard output and returns -1.
+    /// The first section of that name. If there is none, prints so to standard output and returns -1.
     int GetSectionIndexOfName(const std::string& name) const;
     /// The position of the section's contents record; symbol tables and relocation sections have none, which throws.
     int GetIndexContentOfSection(int index) const;
-    /// `size` bytes of a section's contents from `offset` on; nothing for a size below 1. Views into the file as the
-    /// converter holds it.
+    /// `size` bytes of a section's contents from `offset` on; nothing for a size below 1. A view into the converter's
+    /// copy of the file.
     std::string_view GetVectorPieceOfSize(int section, int offset, int size) const;
     /// The bytes from `*offset` up to the terminator; moves the offset after that.
     std::string_view GetVectorPieceTerminatedBy(int section, unsigned* offset, char terminator) const;
     /// The string at that offset of the section ".strtab".
     std::string GetSymbolName(unsigned offset) const;
-    /// The section's physical address in memory bytes: from the segment that holds it, its own address without one.
+    /// The section's physical address in LAUs: from the segment that holds it, or its own address if there is none.
     int GetLoadAddress(int sectionIndex) const;
 
-    /// Writes the `bits` digits of the memory byte at `data` to `out` (no terminating zero) and returns `out`. For
-    /// BO_BIG the last of its file bytes holds the low bits and the most significant digit comes first; for any other
-    /// order the first file byte holds the low bits and the least significant digit comes first.
+    /// Writes the `bits` digits of the LAU at `data` to `out` (no terminating zero) and returns `out`. For BO_BIG the
+    /// last of its file bytes holds the low bits and the most significant digit comes first; for any other order the
+    /// first file byte holds the low bits and the least significant digit comes first.
     static char* ConvertByteToVexon(const unsigned char* data, int bits, ObjectFile::eByteOrder order, char* out);
     /// CRelocation's flags. `reversed` says whether the shift is negated and the mask counts from the top.
     static unsigned ConvertRelocationType(const Elf64_Rela* entry, bool& reversed);

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t LEAF_SIZE = 4;
 
-/// The end of a range, or the last address where it goes beyond that.
+/// The end of a range, or the last address if the range goes beyond it.
 std::uint64_t End(std::uint64_t begin, std::uint64_t size) {
     return begin + std::min(size, std::numeric_limits<std::uint64_t>::max() - begin);
 }
@@ -61,7 +61,7 @@ CSegmentIndex::CSegmentIndex(const std::vector<Elf64_Phdr>& headers, Elf64_Word 
     }
 }
 
-/// Ends are complemented: what is above the section's must be below then.
+/// Ends are complemented, so that what is above the section's is below it.
 CSegmentIndex::CPoint CSegmentIndex::PointOf(const Elf64_Phdr& segment) {
     return {segment.p_vaddr, ~End(segment.p_vaddr, segment.p_memsz), segment.p_offset,
             ~End(segment.p_offset, segment.p_filesz)};
@@ -117,7 +117,7 @@ void CSegmentIndex::Search(std::size_t index, CQuery& query) const {
         }
         return;
     }
-    // The half that may hold the better answer comes first: most often the other one need not be searched then.
+    // The half that may hold the better answer comes first; then the other one seldom needs a search.
     std::size_t better = index + 1;
     std::size_t other = node.m_Right;
     if (query.m_WantsLast ? m_Nodes[other].m_Last > m_Nodes[better].m_Last

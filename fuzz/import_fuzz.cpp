@@ -53,14 +53,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         options.m_Width = width;
         options.m_Order = size % 2 == 0 ? ObjectFile::BO_LITTLE : ObjectFile::BO_BIG;
         const auto image = Import(format, options);
-        std::uint64_t units = 0;
+        std::uint64_t laus = 0;
         for (int i = 0; image != nullptr && i < image->SectionsCount(); ++i) {
             const ObjectFile::CSection& section = *image->GetSection(i);
-            units += section.GetType() == ObjectFile::CSection::TYPE_BSS
+            laus += section.GetType() == ObjectFile::CSection::TYPE_BSS
                          ? 0
                          : static_cast<unsigned>(section.GetSectionDataByteCount());
         }
-        if (image == nullptr || units > MOST_LAUS) {
+        if (image == nullptr || laus > MOST_LAUS) {
             continue;
         }
         const std::string text = Save(*image);

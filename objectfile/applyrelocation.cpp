@@ -13,7 +13,7 @@ namespace {
 
 constexpr int MAX_CHECKED_WIDTH = 63;
 
-/// Bits of the field, formed in 32 bits as the positions are.
+/// Bits of the field, computed in 32 bits like the positions.
 int FieldWidth(const CRelocation& relocation) {
     return static_cast<int>(static_cast<unsigned int>(relocation.m_HighBit) + 1U -
                             static_cast<unsigned int>(relocation.m_LowBit));
@@ -23,7 +23,7 @@ bool IsChecked(int width) {
     return width >= 0 && width <= MAX_CHECKED_WIDTH;
 }
 
-/// Warns that `value` was cut to `cut`. The stream stays in hexadecimal mode, and the address is written in it.
+/// Warns that `value` was cut to `cut`. The stream stays in hexadecimal mode, so the address is hexadecimal too.
 void Warn(const char* kind, const CRelocation& relocation, long long value, int width, std::uint64_t cut) {
     const CSymbol* const symbol = relocation.m_Symbol;
     if (symbol == nullptr) {
@@ -48,7 +48,7 @@ std::uint64_t NegativeMask(unsigned int signBit) {
     return ~(std::uint64_t{1} << signBit) - 1;
 }
 
-/// A field has 64 bits at the most; what a file says of bytes that nobody stored must not decide how long texts become.
+/// A field has at most 64 bits: a size that a file merely claims must not decide how long texts become.
 constexpr unsigned long long MAX_COVERED_BITS = 1U << 20U;
 
 /// The bytes that a relocation covers as one bit string, its first byte first.
@@ -67,6 +67,9 @@ std::string CoveredBits(const CSectionData& data, const CRelocation& relocation)
     std::string bits;
     for (int i = 0; i < static_cast<int>(size); ++i) {
         bits += data.GetByte(static_cast<int>(relocation.m_Address) + i);
+    }
+    if (bits.size() < (size - 1) * static_cast<unsigned long long>(data.GetByteBitSize())) { // short lines in between
+        throw std::out_of_range("Address out of range while reading byte");
     }
     return bits;
 }

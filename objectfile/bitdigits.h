@@ -13,7 +13,7 @@ namespace ObjectFile {
 constexpr std::uint64_t ZERO_DIGITS = '0' * marlune::EACH_BYTE;
 
 /// Packs `count` (at most 64) characters '0' or '1' into `bits`, right-aligned, the first the most significant. False
-/// when there is any other character.
+/// if there is any other character.
 inline bool PackDigits(const char* text, unsigned count, std::uint64_t& bits) {
     std::uint64_t packed = 0;
     std::uint64_t wrong = 0;
@@ -31,7 +31,7 @@ inline bool PackDigits(const char* text, unsigned count, std::uint64_t& bits) {
     return wrong == 0;
 }
 
-/// True when all characters are '0' or '1'.
+/// True if all characters are '0' or '1'.
 inline bool IsBinary(std::string_view text) {
     bool binary = true;
     std::uint64_t bits = 0;
@@ -52,7 +52,7 @@ inline void UnpackDigits(std::uint64_t bits, unsigned count, char* text) {
     }
 }
 
-/// The 64 bits end for end.
+/// The 64 bits in reverse order.
 inline std::uint64_t ReverseBits(std::uint64_t bits) {
     const auto swap = [](std::uint64_t value, unsigned shift, std::uint64_t mask) {
         return (value >> shift & mask) | (value & mask) << shift;

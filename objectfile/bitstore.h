@@ -11,8 +11,9 @@ namespace ObjectFile {
 /// A sequence of up to 2^64 bits in which bits never written read as 0. Within a 64-bit limb the bit with the smallest
 /// index is the most significant.
 ///
-/// A map holds chunks of 4 KiB where something was written; a chunk takes memory up to its last limb in use. Finding a
-/// chunk costs O(log chunks). Small chunks keep the memory in proportion to what was written, wherever that lies.
+/// Implementation note: a map holds chunks of 4 KiB where something was written. A chunk takes memory up to its last
+/// limb in use. Finding a chunk costs O(log chunks). Small chunks keep the memory in proportion to what was written,
+/// wherever that is.
 class CBitStore {
 public:
     static constexpr std::uint64_t LIMBS_PER_CHUNK = 512;
@@ -24,7 +25,7 @@ public:
     void Clear(std::uint64_t position, std::uint64_t count);
     void Free() { m_Chunks.clear(); }
 
-    /// True when nothing was ever written there; false says nothing about the bits.
+    /// True if nothing was ever written there; false says nothing about the bits.
     bool IsUntouched(std::uint64_t position, std::uint64_t count) const;
 
     /// The limbs of a chunk that are in use; those after them are 0.

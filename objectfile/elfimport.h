@@ -12,12 +12,12 @@ namespace ObjectFile {
 
 class CObjectFile;
 
-/// Does the file begin like an ELF file? False when it cannot be opened.
+/// Does the file begin like an ELF file? False if it cannot be opened.
 bool IsElfFile(const std::string& path);
-/// The same for an open file, whose position stays.
+/// The same for an open file, whose position does not change.
 bool IsElfFile(std::FILE& file);
 
-/// Converts the ELF file, which was opened as `path`, into `target`; its errors pass to the caller.
+/// Converts the ELF file, which was opened as `path`, into `target`. Throws what ElfToVexon throws.
 void LoadElfFile(CFileHandle file, const std::string& path, CObjectFile& target);
 
 } // namespace ObjectFile

@@ -30,7 +30,7 @@ public:
     /// A file holds the line as it is, so it must not contain a newline.
     void AddLine(const std::string& line);
 
-    /// A header is written only when its text is not empty, but the first two lines of a table of two or more lines
+    /// A header is written only if its text is not empty, but the first two lines of a table of two or more lines
     /// are always read as a header.
     void LoadFromStream(CInputStream& in);
     void SaveToStream(COutputStream& out) const;

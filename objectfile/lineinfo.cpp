@@ -92,7 +92,7 @@ int CLineTable::ReadLineCUHeader(int position, unsigned long long* startAddress,
     if (size <= static_cast<long long>(CU_SIZE_LENGTH) + 1) {
         throw general_error("CU size has invalid value.");
     }
-    // No section is as long as the largest int, so a larger size fits none either.
+    // No section is as long as the largest int, so a larger size does not fit into any.
     *cuSize = static_cast<int>(std::min<long long>(size, std::numeric_limits<int>::max()));
     position = ReadStartAddress(position, startAddress);
     for (position = ReadStringZero(position, &text); !text.empty(); position = ReadStringZero(position, &text)) {
@@ -179,7 +179,7 @@ int CLineTable::ReadNumAsStringZero(int position, long long* value) const {
     return position;
 }
 
-/// A byte's text, of which a wide byte's leading digits of no influence on a 64-bit number are left out.
+/// A byte's text, without those leading digits of a wide byte that have no influence on a 64-bit number.
 std::string CLineTable::SignificantDigits(int position) const {
     const CSectionData& data = *Section().GetSectionData();
     const int length = data.GetByteLength(position);

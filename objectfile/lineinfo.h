@@ -13,23 +13,23 @@ class CSectionData;
 
 /// One row of the assembly line table.
 struct CLineInfo {
-    unsigned long long m_Address = 0; // memory byte address
+    unsigned long long m_Address = 0; // in LAUs
     int m_Line = 0;                   // source line
     int m_FileIndex = 0;              // into the table's file names
     bool m_EndOfSequence = false;     // last row of a compilation unit
 };
 
 /// Maps memory addresses to source lines of the assembly input: the section ".marlune_line", decoded.
-/// The table holds the section only while PopulateFromMarluneLineSection runs. The reading operations take a byte
-/// position of the section, return the position after what they read, and throw general_error without a section and on
-/// malformed contents, and std::out_of_range at the section's end.
+/// The table holds the section only while PopulateFromMarluneLineSection runs. The reading operations take the position
+/// of a byte in the section and return the position after what they read. They throw general_error without a section
+/// and for malformed contents, and std::out_of_range at the section's end.
 class CLineTable {
 public:
     /// The object file is borrowed.
     explicit CLineTable(const CObjectFile& objectFile) : m_ObjectFile(&objectFile) {}
 
-    /// Decodes the section, starting from empty lists. False when there is none, it has no data, or it is malformed,
-    /// which a warning on standard error says; rows and names decoded before the error stay.
+    /// Decodes the section, starting from empty lists. False if there is none, it has no data, or it is malformed,
+    /// which a warning on standard error reports. Rows and names decoded before the error stay.
     bool PopulateFromMarluneLineSection();
 
     const std::vector<CLineInfo>& GetRows() const { return m_Rows; }

@@ -16,7 +16,7 @@ unsigned PieceOf(std::uint64_t count) {
     return static_cast<unsigned>(std::min<std::uint64_t>(count, PIECE));
 }
 
-/// The characters of a line of so many digits at the beginning of `text`, with its end; 0 when there is none.
+/// The characters of a line of so many digits at the beginning of `text`, with its end; 0 if there is none.
 std::size_t LineSize(std::string_view text, std::size_t digits, char delimiter) {
     if (text.size() > digits && text[digits] == delimiter) {
         return digits + 1;
@@ -27,7 +27,7 @@ std::size_t LineSize(std::string_view text, std::size_t digits, char delimiter) 
     return 0;
 }
 
-/// Appends one line of digits; false, and nothing appended, when there is any other character.
+/// Appends one line of digits; false, and nothing appended, if there is any other character.
 bool AppendDigits(CBitAppender& out, const char* text, std::size_t count) {
     std::uint64_t bits = 0;
     if (count <= PIECE) {

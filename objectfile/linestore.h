@@ -15,23 +15,23 @@ namespace ObjectFile {
 
 /// A text whose lines are most often `width` characters long, each '0' or '1'; only the last line may be shorter.
 ///
-/// Lines of that form are packed, one bit for each character, in CBitStore, where zeros that were never written take no
-/// memory. Any other line (too short, too long, other characters) is irregular and kept as text in CTextLines; so is a
-/// short last line after an irregular one, whose bits would lie far from any other, and a short line or two between
-/// irregular ones, which then share a block.
-/// An access finds its chunk of bits in O(log chunks), and an irregular line in O(log lines) and at most 512 steps.
+/// Implementation note: lines of that form are packed in CBitStore, one bit for each character; zeros that were never
+/// written take no memory. Any other line (too short, too long, other characters) is irregular and kept as text in
+/// CTextLines. So is a short last line after an irregular one, whose bits would lie far from any other, and a short
+/// line or two between irregular ones, so that all share a block. An access finds its chunk of bits in O(log chunks),
+/// and an irregular line in O(log lines) and at most 512 steps.
 class CLineStore {
 public:
     /// `width` is at least 1 for a store to which lines are added.
     explicit CLineStore(int width) : m_Width(width) {}
 
     int Count() const { return m_Count; }
-    /// Characters of a line that is there.
+    /// Characters of a line, which must exist.
     std::int64_t Length(int line) const;
     std::string Text(int line) const { return Text(line, 0, Length(line)); }
     /// `count` characters from `first` on, all of them in the line.
     std::string Text(int line, std::int64_t first, std::int64_t count) const;
-    /// Replaces a line that is there.
+    /// Replaces a line, which must exist.
     void Set(int line, std::string_view text);
     /// Replaces `count` characters of a line from `first` on, all of them in the line.
     void Replace(int line, std::int64_t first, std::int64_t count, std::string_view text);
@@ -42,7 +42,7 @@ public:
     std::size_t AddRun(std::string_view text, char delimiter, int wanted);
     /// Adds lines of zeros, the last with `lastLength` (1 to width) characters.
     void AddZeros(int lines, int lastLength);
-    /// Appends characters to the last line, which there is.
+    /// Appends characters to the last line, which must exist.
     void Extend(std::string_view text);
     void ExtendZeros(std::int64_t count);
     /// Appends `count` (1 or more) digits to those of the last line, which is packed, and breaks them into lines. The

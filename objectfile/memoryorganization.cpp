@@ -1,4 +1,4 @@
-// How the memory is organised that a piece of a program image belongs to.
+// The organization of the memory that a piece of a program image belongs to.
 #include "objectfile/memoryorganization.h"
 
 namespace ObjectFile {

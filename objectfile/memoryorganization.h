@@ -10,7 +10,7 @@
 
 namespace ObjectFile {
 
-/// How the memory is organised that an object file or a section belongs to.
+/// The organization of the memory that an object file or a section belongs to.
 class CMemoryOrganization {
 public:
     /// Not valid, nothing known.
@@ -32,7 +32,7 @@ public:
     void SetMemoryOrganizationIsValid(bool valid) { m_Valid = valid; }
 
     bool HasTheSameMemoryOrganization(const CMemoryOrganization& other) const;
-    /// Takes over the values of `other` and becomes valid; does nothing when `other` is not valid.
+    /// Takes over the values of `other` and becomes valid; does nothing if `other` is not valid.
     void InheritMemoryOrganizationValues(const CMemoryOrganization& other);
 
     /// Six lines. BO_UNDEFINED is written like BO_BIG.

@@ -180,7 +180,7 @@ const CSection* CObjectFile::FindSectionOfType(const std::string& name, CSection
     return section != nullptr && section->GetType() == type ? section : nullptr;
 }
 
-/// That of ".data" or else of the first section with data, or none.
+/// The organization of ".data", or else of the first section with data, or none.
 const CMemoryOrganization* CObjectFile::FindDataMemoryOrganization() const {
     if (const CSection* const data = FindSectionOfType(".data", CSection::TYPE_DATA)) {
         return data;

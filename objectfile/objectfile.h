@@ -22,7 +22,7 @@ extern const char* const VEXON_ARCHIVE_MAGIC;
 /// Why a text object file could not be read.
 struct CReadFailure {
     std::string m_Reason;      // the message of the exception that LoadFromStream throws, without "Line n: "
-    std::optional<int> m_Line; // zero-based number of the line at fault, where it is one line's
+    std::optional<int> m_Line; // zero-based number of the line at fault, if there is one
 };
 
 /// One program image. It owns its sections, symbol tables and line table.
@@ -43,13 +43,13 @@ public:
     ~CObjectFile();
 
     int SectionsCount() const;
-    /// Throws std::out_of_range when there is no such section.
+    /// Throws std::out_of_range if there is no such section.
     CSection* GetSection(int index);
     const CSection* GetSection(int index) const;
     /// The first section of that name, or none.
     CSection* FindSection(const std::string& name);
     const CSection* FindSection(const std::string& name) const;
-    /// The section's index; throws std::out_of_range when it is not in this object file. The pointer is not followed
+    /// The section's index; throws std::out_of_range if it is not in this object file. The pointer is not dereferenced
     /// before that is known.
     int FindSection(const CSection* section) const;
     /// Appends the section and takes ownership of it.
@@ -65,7 +65,7 @@ public:
     void SetSectionsAreAllocated();
 
     int SymbolTablesCount() const;
-    /// Throws std::out_of_range when there is no such table.
+    /// Throws std::out_of_range if there is no such table.
     CSymbolTable* GetSymbolTable(int index);
     const CSymbolTable* GetSymbolTable(int index) const;
     /// Appends an empty table; the object file owns it.
@@ -87,7 +87,7 @@ public:
     /// then inherits.
     bool TryToSetUniformMemoryOrganization();
     /// The organization of the stack or of the data: the object file's own, or that of a fitting section. Throws
-    /// general_error when there is none. Borrowed from this object.
+    /// general_error if there is none. Borrowed from this object.
     const CMemoryOrganization& GetStackMemoryOrganization() const;
     const CMemoryOrganization& GetDataAndDebugMemoryOrganization() const;
 
@@ -98,22 +98,22 @@ public:
 
     /// Assigns line addresses to all records; returns the number of lines of the file.
     int RemapToFile();
-    /// Binds symbols to sections and relocations to symbols by their indices; throws syntax_error (line 0) for an
-    /// index that does not exist. What is bound already keeps its section or symbol, which must be in this object file
-    /// (for a relocation: in its first symbol table).
+    /// Binds symbols to sections and relocations to symbols by their indices; throws syntax_error (line 0) for an index
+    /// that does not exist. Those already bound keep their section or symbol, which must be in this object file (for a
+    /// relocation: in its first symbol table).
     void CheckLinks();
 
     /// Writes the text form; takes the current time as time stamp. Throws general_error when records overlap.
     void SaveToStream(COutputStream& out);
-    /// Throws file_error when the file cannot be opened; false when not all of it could be written (a full disk).
+    /// Throws file_error if the file cannot be opened; false if not all of it could be written (a full disk).
     bool SaveFile(const std::string& path);
     /// Replaces the contents by those of the text form. After an exception the object is partly filled.
     void LoadFromStream(CInputStream& in);
-    /// The same with a result in place of an exception; nothing when all went well.
+    /// The same with a result instead of an exception; nothing on success.
     std::optional<CReadFailure> ReadFromStream(CInputStream& in);
-    /// Loads a text object file or an ELF file. Throws file_error when it cannot be opened (OpenRegularFile). Any error
-    /// in a text file is reported on standard error and thrown as a plain std::exception; those of an ELF file pass
-    /// unchanged.
+    /// Loads a text object file or an ELF file. Throws file_error if it cannot be opened (OpenRegularFile). Any error
+    /// in a text file is reported on standard error and thrown as a plain std::exception; those of an ELF file are
+    /// thrown unchanged.
     void LoadFile(const std::string& path);
     /// Destroys sections, symbol tables and line table.
     void Free();
@@ -121,7 +121,7 @@ public:
     void Clear();
 
 private:
-    /// The section container, created when absent.
+    /// The section container, created if absent.
     CSectionContainer& Sections();
     bool HasSymbols() const;
     int RelocationCount() const;

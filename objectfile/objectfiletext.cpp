@@ -259,7 +259,7 @@ void CObjectFile::LoadFile(const std::string& path) {
     CInputStream in(std::move(file), DELIMITER);
     if (ReadFromStream(in)) {
         std::cerr << "Error: Object file " << path << " contains errors and could not be loaded.\n";
-        throw std::exception(); // without the reason: the line above is all that is reported
+        throw std::exception(); // without the reason: only the line above is reported
     }
 }
 

@@ -15,7 +15,7 @@ namespace {
 constexpr std::int64_t MAX_UNEXAMINED = std::int64_t{1} << 26; // bytes
 constexpr std::int64_t MAX_SIZE_OVER_DATA = 16;
 
-/// Are there at least `wanted` bytes of data in the file? True as well where the file system cannot say.
+/// Are there at least `wanted` bytes of data in the file? Also true if the file system cannot tell.
 bool HoldsData(int descriptor, std::int64_t wanted) {
     std::int64_t data = 0;
     for (off_t hole = 0; data < wanted;) {

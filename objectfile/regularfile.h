@@ -13,9 +13,9 @@ struct CFileCloser {
 };
 using CFileHandle = std::unique_ptr<std::FILE, CFileCloser>;
 
-/// Opens a file for reading, unbuffered; none when it cannot be opened. A directory, a pipe or a device counts as such
-/// a file: reading one may never end. So does a file of more than 64 MiB that holds data for less than a sixteenth of
-/// its size: the rest are holes, which take no space on disk but would take memory here.
+/// Opens a file for reading, unbuffered; none if it cannot be opened. A directory, a pipe or a device counts as such a
+/// file, because reading one may never end. So does a file of more than 64 MiB that holds data for less than a
+/// sixteenth of its size: the rest is holes, which take no space on disk but would take memory here.
 CFileHandle OpenRegularFile(const std::string& path);
 
 } // namespace ObjectFile

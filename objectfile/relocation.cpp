@@ -1,4 +1,4 @@
-// Relocations: which bit fields of a section wait for the address of a symbol.
+// Relocations: the bit fields of a section that wait for the address of a symbol.
 #include "objectfile/relocation.h"
 
 #include <algorithm>

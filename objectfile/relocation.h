@@ -12,7 +12,7 @@ namespace ObjectFile {
 class CSymbol;
 class CSymbolTable;
 
-/// Says which bit field of a section's contents receives a value once the address of a symbol is known.
+/// Describes the bit field of a section's contents that receives a value once the address of a symbol is known.
 class CRelocation {
 public:
     enum eFlags : unsigned int {
@@ -23,7 +23,7 @@ public:
     };
 
     CRelocation() = default;
-    /// Copies all fields. With `table` the symbol is looked up there by name; throws general_error when it is missing.
+    /// Copies all fields. With `table` the symbol is looked up there by name; throws general_error if it is missing.
     CRelocation(const CRelocation& other, const CSymbolTable* table);
 
     /// Ten lines.
@@ -31,7 +31,7 @@ public:
     /// Throws general_error without a bound symbol, whose name the last line quotes.
     void SaveToStream(COutputStream& out) const;
 
-    /// Index of the bound symbol in its table, or the stored index when none is bound.
+    /// Index of the bound symbol in its table, or the stored index if none is bound.
     int GetSymbolID() const;
     bool IsSigned() const { return (m_Flags & FLAG_SIGNED) != 0; }
 
@@ -40,7 +40,7 @@ public:
     int m_SizeInBytes = 0; // bytes that hold the field
     int m_LowBit = 0;      // position of the field's first character in the text of those bytes
     int m_HighBit = 0;     // and of its last, included
-    int m_OffsetValue = 0; // the last three are for whoever computes the value
+    int m_OffsetValue = 0; // this and the next two are for whoever computes the value
     int m_ShiftAmount = 0;
     unsigned long long m_Mask = 0;
     int m_SymbolIndex = -1;      // used while no symbol is bound
@@ -75,9 +75,9 @@ public:
     CRelocation* Create();
     /// Appends a copy with the same symbol; the table owns it.
     CRelocation* Add(const CRelocation& relocation);
-    /// None when there is no such relocation.
+    /// None if there is no such relocation.
     CRelocation* Get(int index) const;
-    /// The index of that very object, -1 when it is not in the table.
+    /// The index of that very object, -1 if it is not in the table.
     int Find(const CRelocation* relocation) const;
     /// Destroys all relocations.
     void Free() { m_Relocations.clear(); }

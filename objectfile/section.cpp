@@ -21,7 +21,7 @@ constexpr std::string_view TYPE_LETTERS = " TDBGI"; // indexed by CSection::eTyp
 
 constexpr int DIGITS_PER_FILE_BYTE = 8;
 
-/// Position in eight digits of bit `bit` of a byte.
+/// The position of a byte's bit `bit` in its eight digits.
 std::size_t DigitOfBit(int bit, eByteOrder order) {
     return static_cast<std::size_t>(order == BO_BIG ? DIGITS_PER_FILE_BYTE - 1 - bit : bit);
 }

@@ -57,9 +57,9 @@ public:
     void SetMemoryByteAddress(unsigned long long address) { m_MemoryByteAddress = address; }
     /// The object file that holds the section, or none.
     CObjectFile* GetOwner() const { return m_Owner; }
-    /// The section's index in its object file, 0 without one. Throws std::out_of_range when that does not hold it.
+    /// The section's index in its object file, 0 without one. Throws std::out_of_range if that does not hold it.
     int GetIndex() const;
-    /// Expires with the section, which it does not keep alive.
+    /// Expires with the section; it does not keep the section alive.
     std::weak_ptr<CSection> Watch();
 
     /// The contents, or none.
@@ -68,12 +68,12 @@ public:
     int GetSectionDataByteCount() const { return m_Data ? m_Data->GetByteCount() : 0; }
     /// Number of data lines.
     int GetSectionDataWordCount() const { return m_Data ? m_Data->Count() : 0; }
-    /// Creates empty contents in the section's present memory organization when there are none; returns the contents.
+    /// Creates empty contents in the section's current memory organization if there are none; returns the contents.
     CSectionData* CreateSectionData();
-    /// Appends binary digits (CSectionData::Add), creating the contents when absent.
+    /// Appends binary digits (CSectionData::Add), creating the contents if absent.
     void AddData(const char* bits);
     /// Appends bytes as eight digits each: bit 7 first for BO_BIG, bit 0 first for BO_LITTLE. Throws general_error for
-    /// BO_UNDEFINED unless the count is 0. All digits are appended in one go, whatever the size of the section's bytes.
+    /// BO_UNDEFINED unless the count is 0. All digits are appended at once, whatever the size of the section's bytes.
     void AddBinaryData(const char* bytes, unsigned int count);
     void AddBinaryData(const std::vector<char>& bytes);
     /// The inverse of AddBinaryData; throws general_error for BO_UNDEFINED.
@@ -88,9 +88,9 @@ public:
     CRelocationTable* GetRelocationTable() { return m_Relocations.get(); }
     const CRelocationTable* GetRelocationTable() const { return m_Relocations.get(); }
     int RelocationCount() const { return m_Relocations ? m_Relocations->Count() : 0; }
-    /// None when there is no such relocation.
+    /// None if there is no such relocation.
     CRelocation* GetRelocation(int index) const { return m_Relocations ? m_Relocations->Get(index) : nullptr; }
-    /// Appends a copy, creating the table when absent, and returns the copy.
+    /// Appends a copy, creating the table if absent, and returns the copy.
     CRelocation* AddRelocation(const CRelocation& relocation);
 
     /// Writes `value` into the relocation's bit field. A value that does not fit is cut with a warning on standard
@@ -102,7 +102,7 @@ public:
     static long long CheckUnsignedRelocationSizeAndTrunc(const CRelocation* relocation, long long value);
     static long long CheckSignedRelocationSizeAndTrunc(const CRelocation* relocation, long long value);
 
-    /// Ends the process with exit status 1 and a message when an absolute address is no multiple of the alignment.
+    /// Ends the process with exit status 1 and a message if an absolute address is not a multiple of the alignment.
     void CheckAbsoluteSectionAddressAlignment() const;
     /// True for the section ".stack" (".heap"); with `checkSymbols` only when the object file's first symbol table
     /// also says so: its start symbol at 0 and its end symbol at the section's byte count.
@@ -110,7 +110,7 @@ public:
     bool IsHeap(bool checkSymbols) const;
 
     /// Appends a deep copy of this section to `target`, which owns it, and returns it. With `table` the relocations'
-    /// symbols are looked up there by name (general_error when one is missing; nothing is appended then).
+    /// symbols are looked up there by name (general_error if one is missing; nothing is appended then).
     CSection* Copy(CObjectFile& target, const CSymbolTable* table) const;
 
     /// The 17 header lines; contents and relocations are queued as records of their own.

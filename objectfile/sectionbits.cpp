@@ -38,7 +38,7 @@ void SplitLimbs(CBitReader& source, std::uint64_t position, int count, bool reve
 
 using CSplit = void (*)(CBitReader&, std::uint64_t, int, bool, std::uint64_t*);
 
-/// The split for a byte bit-size, or none when bytes of that size straddle limbs.
+/// The split for a byte bit-size, or none if bytes of that size straddle limbs.
 CSplit SplitFor(int byteBitSize) {
     switch (byteBitSize) {
     case 1:

@@ -2,6 +2,8 @@
 #include "objectfile/sectioncontainer.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <numeric>
 
 namespace ObjectFile {
@@ -48,7 +50,7 @@ void CSectionContainer::Delete(CSection* section) {
 }
 
 CSection* CSectionContainer::Find(const std::string& name) const {
-    if (!m_WasAsked) { // most files are only asked once, which costs less by looking than by indexing
+    if (!m_WasAsked) { // most containers are asked only once, and then a search costs less than an index
         m_WasAsked = true;
         const auto found = std::find_if(m_Sections.begin(), m_Sections.end(),
                                         [&](const auto& section) { return section->m_Name == name; });
@@ -73,7 +75,7 @@ void CSectionContainer::Index() const {
 }
 
 int CSectionContainer::IndexOf(const CSection& section) const {
-    // A section's index is its number until a section before it goes.
+    // A section's index is its number until a section before it is deleted.
     const auto number = static_cast<std::size_t>(section.m_Number);
     if (number < m_Sections.size() && m_Sections[number].get() == &section) {
         return static_cast<int>(number);
@@ -90,7 +92,7 @@ CSection* CSectionContainer::CreateSection(CSection::eType type, const std::stri
 }
 
 void CSectionContainer::Rename(CSection& section, const std::string& name) {
-    auto entry = m_ByName.extract(KeyOf(section)); // before the characters go that it views
+    auto entry = m_ByName.extract(KeyOf(section)); // while the characters that it views still exist
     section.m_Name = name;
     if (!entry.empty()) { // already indexed
         entry.key() = KeyOf(section);
@@ -108,8 +110,10 @@ int CSectionContainer::RelocationCount() const {
 }
 
 int CSectionContainer::SectionDataWordCount() const {
-    return std::accumulate(m_Sections.begin(), m_Sections.end(), 0,
-                           [](int sum, const auto& section) { return sum + section->GetSectionDataWordCount(); });
+    const std::int64_t words =
+        std::accumulate(m_Sections.begin(), m_Sections.end(), std::int64_t{0},
+                        [](std::int64_t sum, const auto& section) { return sum + section->GetSectionDataWordCount(); });
+    return static_cast<int>(std::min<std::int64_t>(words, std::numeric_limits<int>::max()));
 }
 
 void CSectionContainer::Free() {

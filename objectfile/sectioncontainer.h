@@ -29,17 +29,17 @@ public:
     void LoadFromStream(CInputStream& in, Queue& queue) override;
     void SaveToStream(COutputStream& out, Queue& queue) override;
 
-    /// None when there is no such section.
+    /// None if there is no such section.
     CSection* Get(int index) const;
     /// Takes ownership of the section.
     void Add(CSection* section);
     CSection* Add(std::unique_ptr<CSection> section);
-    /// Removes and destroys the section; does nothing when it is not in the container.
+    /// Removes and destroys the section; does nothing if it is not in the container.
     void Delete(CSection* section);
     /// The first section of that name, or none.
     CSection* Find(const std::string& name) const;
-    /// The section's index, -1 when it is not in the container. The pointer is not followed before that is known: the
-    /// section may have been destroyed.
+    /// The section's index, -1 if it is not in the container. The pointer is not dereferenced before that is known,
+    /// because the section may have been destroyed.
     int Find(const CSection* section) const;
     CSection* CreateSection(CSection::eType type, const std::string& name, const CMemoryOrganization& organization);
 

@@ -10,6 +10,14 @@
 
 namespace ObjectFile {
 
+namespace {
+
+std::int64_t CeilingOf(std::int64_t dividend, std::int64_t divisor) {
+    return dividend / divisor + (dividend % divisor != 0 ? 1 : 0);
+}
+
+} // namespace
+
 CSectionData::CSectionData(int lineAddress, int byteCount, int wordBitSize, int bytesPerWord)
     : m_Lines(std::make_unique<CLineStore>(wordBitSize)), m_LineAddress(lineAddress), m_ByteCount(byteCount),
       m_WordBitSize(wordBitSize), m_BytesPerWord(bytesPerWord),
@@ -37,7 +45,7 @@ int CSectionData::Count() const {
 void CSectionData::LoadFromStream(CInputStream& in, Queue& /*queue*/) {
     RequireByteSize();
     m_Lines->Clear();
-    const int lines = m_ByteCount / m_BytesPerWord + (m_ByteCount % m_BytesPerWord != 0 ? 1 : 0);
+    const auto lines = static_cast<int>(CeilingOf(m_ByteCount, m_BytesPerWord));
     while (Count() < lines) {
         const int before = Count();
         const std::string_view buffered = in.Peek(static_cast<std::size_t>(m_WordBitSize) + 2);
@@ -118,7 +126,8 @@ void CSectionData::Add(const char* bits) {
 
 void CSectionData::Add(std::string_view bits) {
     RequireByteSize();
-    GrowByteCount(static_cast<std::int64_t>(bits.size()) / m_ByteBitSize);
+    const auto count = static_cast<std::int64_t>(bits.size());
+    GrowByteCount(count / m_ByteBitSize, CeilingOf(count, m_WordBitSize));
     if (HasOpenLine()) {
         // A part of a byte at the line's end does not count: the line may grow beyond the word.
         const std::int64_t whole = m_Lines->Length(Count() - 1) / m_ByteBitSize * m_ByteBitSize;
@@ -139,7 +148,7 @@ void CSectionData::AddPacked(const std::uint64_t* limbs, std::int64_t count) {
     }
     RequireByteSize();
     if (EndsInWholeBytes()) {
-        GrowByteCount(count / m_ByteBitSize);
+        GrowByteCount(count / m_ByteBitSize, CeilingOf(count, m_WordBitSize));
         m_Lines->AppendPacked(limbs, count);
         return;
     }
@@ -173,7 +182,7 @@ void CSectionData::FillZero(int byteCount) {
         return;
     }
     RequireByteSize();
-    GrowByteCount(byteCount);
+    GrowByteCount(byteCount, CeilingOf(byteCount, m_BytesPerWord));
     // Characters of a line that holds so many bytes.
     const auto lengthOf = [this](std::int64_t bytes) {
         return bytes < m_BytesPerWord ? static_cast<int>(bytes * m_ByteBitSize) : m_WordBitSize;
@@ -196,8 +205,9 @@ void CSectionData::Clear() {
     m_ByteCount = 0;
 }
 
-void CSectionData::GrowByteCount(std::int64_t bytes) {
-    if (bytes > std::numeric_limits<int>::max() - m_ByteCount) {
+void CSectionData::GrowByteCount(std::int64_t bytes, std::int64_t lines) {
+    constexpr int MOST = std::numeric_limits<int>::max();
+    if (bytes > MOST - m_ByteCount || lines > MOST - Count()) { // a line may hold less than a byte
         throw general_error("Too many bytes in section data");
     }
     m_ByteCount += static_cast<int>(bytes);

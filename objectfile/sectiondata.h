@@ -15,8 +15,8 @@ class CLineStore;
 
 /// The contents of a section as text: a line of '0' and '1' characters for each memory word, the most significant bit
 /// first. A line has `word bit-size` characters except possibly the last; byte k of a word is the k-th group of
-/// `word bit-size / bytes per word` characters from the left. When the division leaves a remainder, the word's last
-/// characters belong to no byte.
+/// `word bit-size / bytes per word` characters from the left. If the division leaves a remainder, the word's last
+/// characters belong to no byte. A byte of a section is a LAU.
 class CSectionData : public CPersistentObject {
 public:
     /// `byteCount` is the number of bytes that LoadFromStream is to read.
@@ -26,7 +26,7 @@ public:
     CSectionData& operator=(const CSectionData&) = delete;
     ~CSectionData() override;
 
-    /// Characters (bits) of one byte; 0 when the word bit-size and bytes per word allow none.
+    /// Characters (bits) of one byte; 0 if the word bit-size and bytes per word allow none.
     static int ByteBitSizeOf(int wordBitSize, int bytesPerWord);
 
     /// Number of lines, that is of words.
@@ -34,7 +34,7 @@ public:
     int GetLineAddress() const override { return m_LineAddress; }
     void SetLineAddress(int lineAddress) override { m_LineAddress = lineAddress; }
     int GetLineSize() const override { return Count(); }
-    /// Reads as many lines as the byte count asks for. Throws invalid_format when a word cannot hold the bytes.
+    /// Reads as many lines as the byte count requires. Throws invalid_format if a word cannot hold the bytes.
     void LoadFromStream(CInputStream& in, Queue& queue) override;
     void SaveToStream(COutputStream& out, Queue& queue) override;
 
@@ -47,19 +47,19 @@ public:
     /// Replaces the characters of byte `address` by `text`; throws as GetByte. A text of another length changes the
     /// line's length.
     void SetByte(int address, const std::string& text);
-    /// Line `index`; throws std::out_of_range when there is none.
+    /// Line `index`; throws std::out_of_range if there is none.
     std::string GetWord(int index) const;
-    /// Replaces line `index`, whatever the text; throws std::out_of_range when there is none.
+    /// Replaces line `index`, whatever the text; throws std::out_of_range if there is none.
     void SetWord(int index, const std::string& text);
 
-    /// Appends binary digits: tops up the last line when it is short and holds a whole byte, then appends full lines
+    /// Appends binary digits: tops up the last line if it is short and holds a whole byte, then appends full lines
     /// and a shorter last one. The byte count grows by the digits' number / byte bit-size. Throws invalid_format when
-    /// a word cannot hold a byte, general_error when the byte count would exceed an int.
+    /// a word cannot hold a byte, general_error if the count of bytes or lines would exceed an int.
     void Add(const char* bits);
     void Add(std::string_view bits);
     /// The same for `count` digits in packed form, the first in the most significant bit of limbs[0].
     void AddPacked(const std::uint64_t* limbs, std::int64_t count);
-    /// Appends `byteCount` bytes of zeros, first to the last line when that is short and holds a whole byte, and with
+    /// Appends `byteCount` bytes of zeros, first to the last line if that is short and holds a whole byte, and with
     /// each word's last byte also the characters that belong to no byte. Zeros take no memory. Throws as Add.
     void FillZero(int byteCount);
     /// Removes all lines; the byte count becomes 0.
@@ -67,7 +67,7 @@ public:
 
     // Access without texts, for loading memories (sectionbits.cpp)
 
-    /// The length of GetByte(address), which throws likewise.
+    /// The length of GetByte(address); throws as GetByte.
     int GetByteLength(int address) const;
     /// At most `count` characters of byte `address` from its character `first` on; throws as GetByte.
     std::string GetByteDigits(int address, int first, int count) const;
@@ -96,11 +96,12 @@ private:
     void RequireByteSize() const;
     void RequireLine(int index, const char* error) const;
 
-    /// Does the last line take further characters? It does when it is short and holds a whole byte.
+    /// Does the last line take further characters? It does if it is short and holds a whole byte.
     bool HasOpenLine() const;
     /// Do digits that are added follow the last line's without a gap, all in packed form?
     bool EndsInWholeBytes() const;
-    void GrowByteCount(std::int64_t bytes);
+    /// Counts bytes that are added, in at most so many new lines.
+    void GrowByteCount(std::int64_t bytes, std::int64_t lines);
 
     /// The end of the bytes from `address` on that GetByteBits can answer.
     std::int64_t PackedEnd(int address) const;

@@ -1,4 +1,4 @@
-// The hash of tables whose keys come out of files.
+// The hash of tables whose keys come from files.
 #ifndef MARLUNE_OBJECTFILE_SEEDEDHASH_H
 #define MARLUNE_OBJECTFILE_SEEDEDHASH_H
 

@@ -162,7 +162,7 @@ void COutputStream::OpenFile(const std::string& path) {
     if (!m_File) {
         throw file_error("Output file could not be opened.");
     }
-    std::setvbuf(m_File.get(), nullptr, _IONBF, 0); // the blocks are made here
+    std::setvbuf(m_File.get(), nullptr, _IONBF, 0); // this class has a buffer of its own
     m_Buffer.resize(BUFFER_SIZE);
     m_Failed = false;
 }

@@ -15,14 +15,14 @@ namespace ObjectFile {
 /// Reads a file line by line and counts the lines consumed since it was opened.
 class CInputStream {
 public:
-    /// No file is open; every read ends in the end-of-file error.
+    /// No file is open; every read fails with the end-of-file error.
     explicit CInputStream(char delimiter);
     /// Opens `path`; throws as OpenFile does.
     CInputStream(const std::string& path, char delimiter);
     /// Reads a file that is open already, from its beginning.
     CInputStream(CFileHandle file, char delimiter);
 
-    /// Closes the file that is open and opens `path`; returns true. Throws file_error when the file cannot be opened
+    /// Closes the file that is open and opens `path`; returns true. Throws file_error if the file cannot be opened
     /// (OpenRegularFile).
     bool OpenFile(const std::string& path);
     void CloseFile();
@@ -32,7 +32,7 @@ public:
     /// no delimiter follows.
     std::string GetLine();
     /// The first `count` characters of the next line, whatever they are. 0 consumes no line. Throws
-    /// std::invalid_argument for a negative count, and invalid_format (the line counter unchanged) when the line is
+    /// std::invalid_argument for a negative count, and invalid_format (the line counter unchanged) if the line is
     /// shorter; a last line without delimiter will do.
     std::string GetLine(int count);
 
@@ -40,7 +40,7 @@ public:
     bool Eof() const { return !m_File || m_Eof; }
     /// Lines consumed since the file was opened.
     int GetLineCounter() const { return m_LineCounter; }
-    /// Zero-based number of the line that the last read took or, where it failed, met; -1 before the first read.
+    /// Zero-based number of the line that the last read consumed, or failed on; -1 before the first read.
     int GetLastLine() const { return m_LastLine; }
     char GetDelimiter() const { return m_Delimiter; }
     /// The error that rejects the value of the line just read: its zero-based number and `text`.
@@ -87,10 +87,10 @@ public:
     COutputStream& operator=(COutputStream&&) = delete;
     ~COutputStream() { CloseFile(); }
 
-    /// Closes the file that is open, then creates or truncates `path`. Throws file_error when the path is empty or the
+    /// Closes the file that is open, then creates or truncates `path`. Throws file_error if the path is empty or the
     /// file cannot be opened.
     void OpenFile(const std::string& path);
-    /// Writes what is still held back and closes the file.
+    /// Writes what is still buffered and closes the file.
     void CloseFile();
 
     /// Writes `text` and the delimiter as one line.
@@ -99,7 +99,7 @@ public:
     void WriteLine(std::string_view value, std::string_view description);
     /// Writes bytes as they are, without a delimiter and without counting.
     void Write(const char* bytes, std::size_t count);
-    /// Ends a line whose bytes came by Write.
+    /// Ends a line whose bytes were passed to Write.
     void EndLine();
 
     /// Lines written since the file was opened.

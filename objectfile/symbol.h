@@ -41,8 +41,8 @@ public:
     CSymbol(const std::string& name, eType type, CSection* section = nullptr, unsigned long long memoryAddress = 0);
     CSymbol(CSharedText name, eType type) : m_Name(std::move(name)), m_Type(type) {}
     CSymbol(const CSymbol& other) : m_Name(other.m_Name) { CopyFields(other); }
-    /// Copies everything, the name too; a symbol in a table stays there and is renamed as by UpdateName, which may
-    /// throw, with nothing changed.
+    /// Copies everything including the name. A symbol in a table stays there and is renamed as by UpdateName, which may
+    /// throw; then nothing changes.
     CSymbol& operator=(const CSymbol& other);
     ~CSymbol() = default;
 
@@ -59,10 +59,10 @@ public:
     void SetMemoryAddress(unsigned long long address) { m_MemoryAddress = address; }
     int GetBlockSize() const { return m_BlockSize; }
     void SetBlockSize(int size) { m_BlockSize = size; }
-    /// The section that the symbol is bound to (borrowed). None without one, and once that section was destroyed.
+    /// The section that the symbol is bound to (borrowed); none also once that section has been destroyed.
     CSection* GetSection() const { return m_Section.lock().get(); }
-    /// Binds the symbol; none unbinds it. Throws std::out_of_range, with nothing changed, for a section that its object
-    /// file does not hold.
+    /// Binds the symbol; null unbinds it. Throws std::out_of_range for a section that its object file does not hold;
+    /// then nothing changes.
     void SetSection(CSection* section);
     /// True for the types whose symbols lie in a section: all but extern, absolute and common.
     bool HasSection() const { return m_Type != TYPE_EXTERN && m_Type != TYPE_ABSOLUTE && m_Type != TYPE_COMMON; }

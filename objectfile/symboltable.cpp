@@ -158,7 +158,7 @@ void CSymbolTable::Rename(CSymbol& symbol, CSharedText name) {
         symbol.m_Name = std::move(name);
         return;
     }
-    auto entry = index->m_ByName.extract(symbol.GetNameView()); // before the characters go that it views
+    auto entry = index->m_ByName.extract(symbol.GetNameView()); // while the characters that it views still exist
     symbol.m_Name = std::move(name);
     entry.key() = symbol.GetNameView();
     index->m_ByName.insert(std::move(entry));

@@ -34,22 +34,22 @@ public:
     virtual void LoadFromStream(CInputStream& in);
     virtual void SaveToStream(COutputStream& out) const;
 
-    /// Takes ownership of the symbol, whatever the outcome. A private symbol whose name is in the table already is
-    /// destroyed with a warning on standard error, and the answer is false; any other type throws general_error.
+    /// Takes ownership of the symbol in any case. If its name is in the table already, a private symbol is destroyed
+    /// with a warning on standard error, and the result is false; for any other type it throws general_error.
     bool AddSymbol(CSymbol* symbol);
     bool AddSymbol(std::unique_ptr<CSymbol> symbol);
 
-    /// None when there is no symbol of that name.
+    /// None if there is no symbol of that name.
     CSymbol* FindSymbol(const std::string& name);
     const CSymbol* FindSymbol(const std::string& name) const;
-    /// The index of that very symbol, -1 when it is not in the table. The pointer is not followed: the symbol may have
-    /// been destroyed.
+    /// The index of that very symbol, -1 if it is not in the table. The pointer is not dereferenced, because the symbol
+    /// may have been destroyed.
     int FindSymbol(const CSymbol* symbol) const;
     CSymbol* LookUpSymbol(const std::string& name) const;
     CSymbol* LookUpSymbol(const char* name) const;
-    /// Throws std::out_of_range when there is no such symbol.
+    /// Throws std::out_of_range if there is no such symbol.
     CSymbol* GetSymbol(int index) const;
-    /// Renames a symbol. Throws general_error when `oldName` is not in the table or another symbol has `newName`.
+    /// Renames a symbol. Throws general_error if `oldName` is not in the table or another symbol has `newName`.
     void UpdateSymbolName(const std::string& oldName, const std::string& newName);
     /// Symbols of type extern.
     int ExternSymbolCount() const;
@@ -60,7 +60,7 @@ private:
     using CSymbols = std::vector<std::unique_ptr<CSymbol>>;
     struct CIndex {
         std::unordered_map<std::string_view, CSymbol*, CSeededHash> m_ByName; // views of the symbols' names
-        std::unordered_map<const CSymbol*, int> m_ByAddress; // the first so many symbols, filled when asked for
+        std::unordered_map<const CSymbol*, int> m_ByAddress;                  // of the first symbols; filled on demand
     };
     struct CContents {
         CSymbols m_Symbols;
@@ -70,12 +70,13 @@ private:
     const CSymbols& Symbols() const;
     CIndex* Index() const { return m_Contents ? m_Contents->m_Index.get() : nullptr; }
     CSymbol* Find(std::string_view name) const;
-    /// Appends the symbol and takes ownership of it; false, and the caller keeps it, when its name is in the table.
+    /// Appends the symbol and takes ownership of it. If its name is in the table, the result is false and the caller
+    /// keeps it.
     bool Append(std::unique_ptr<CSymbol>& symbol);
-    /// Throws general_error, with nothing changed, when another symbol has the name.
+    /// Throws general_error, with nothing changed, if another symbol has the name.
     void Rename(CSymbol& symbol, CSharedText name);
 
-    std::unique_ptr<CContents> m_Contents; // none while the table is empty: a file may hold millions of such
+    std::unique_ptr<CContents> m_Contents; // none while the table is empty: a file may hold millions of empty ones
 };
 
 /// The symbol tables of one object file in order: the record at the header's symbol table address.
@@ -94,10 +95,10 @@ public:
 
     /// Appends an empty table, which the container owns.
     CSymbolTable* Create();
-    /// None when there is no such table.
+    /// None if there is no such table.
     CSymbolTable* Get(int index);
     const CSymbolTable* Get(int index) const;
-    /// The table's index, -1 when it is not in the container.
+    /// The table's index, -1 if it is not in the container.
     int Find(const CSymbolTable* table) const;
     int SymbolCount() const;
     int ExternSymbolCount() const;
@@ -106,7 +107,7 @@ public:
     void Free() { m_Tables.clear(); }
 
 private:
-    std::deque<CSymbolTable> m_Tables; // at addresses that stay
+    std::deque<CSymbolTable> m_Tables; // a deque, because their addresses must not change
     CObjectFile* m_Owner;
     int m_LineAddress;
     int m_PendingCount;

@@ -17,7 +17,7 @@ void AppendLine(std::string& lines, std::string_view text) {
     lines += text;
 }
 
-/// Takes the first line off.
+/// Removes the first line.
 std::string_view TakeLine(std::string_view& lines) {
     std::size_t length = 0;
     unsigned shift = 0;
@@ -73,7 +73,7 @@ void CTextLines::Append(int line, std::string_view text) {
             AppendLine(run->second.m_Lines, text);
             return;
         }
-        run->second.m_Lines.shrink_to_fit(); // most likely it is complete
+        run->second.m_Lines.shrink_to_fit(); // it is most likely complete
     }
     CRun& added = m_Runs[line];
     added.m_Count = 1;
@@ -85,7 +85,7 @@ void CTextLines::Erase(int line) {
     if (found == m_Runs.end()) {
         return;
     }
-    // The lines before it stay in their run, those after it become one of their own.
+    // The lines before it stay in their run; those after it become a run of their own.
     const auto run = m_Runs.find(found->first);
     std::string_view rest = run->second.m_Lines;
     for (int i = run->first; i < line; ++i) {

@@ -9,16 +9,18 @@
 
 namespace ObjectFile {
 
-/// Some lines of a text, by line index, in little more memory than their characters: runs of neighbouring lines share a
-/// block, in which each is preceded by its length.
+/// Some lines of a text, by line index, in little more memory than their characters.
+///
+/// Implementation note: runs of neighbouring lines share a block, in which its length precedes each line. A look-up
+/// costs O(log runs) and a walk over at most 512 lines.
 class CTextLines {
 public:
     bool Has(int line) const;
-    /// The text of a line that is there; valid until the next change.
+    /// The text of a line, which must exist; valid until the next change.
     std::string_view Get(int line) const;
     /// Adds or replaces a line.
     void Set(int line, std::string_view text);
-    /// Does nothing when the line is not there.
+    /// Does nothing if the line does not exist.
     void Erase(int line);
     void Clear() { m_Runs.clear(); }
 

@@ -12,7 +12,7 @@ namespace ObjectFile {
 
 namespace {
 
-/// Runs strtoll or strtoull and turns its ways of failing into exceptions.
+/// Runs strtoll or strtoull and turns its errors into exceptions.
 template <typename T>
 T ParseNumber(T (*convert)(const char*, char**, int), const std::string& text, int base) {
     const char* const begin = text.c_str();

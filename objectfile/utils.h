@@ -59,7 +59,7 @@ public:
     void SetTime();
     std::time_t GetTime() const { return m_Time; }
 
-    /// Local time as "2014.03.07:16:05:59"; throws invalid_format when it cannot be formed in 19 characters.
+    /// Local time as "2014.03.07:16:05:59"; throws invalid_format if it cannot be formed in 19 characters.
     static std::string ToString(long time);
     /// Always -1: the time stamp of a file that is read is not interpreted.
     static std::time_t Parse(const std::string& text);

@@ -115,7 +115,7 @@ void CLoadedCells::Read(std::uint64_t first, std::uint32_t count, std::uint64_t*
     for (const CPart* const part : PartsIn(first, first + count)) {
         const std::uint64_t from = std::max(first, part->m_First);
         const std::uint64_t to = std::min(first + count, part->m_End);
-        foreign::CUnitCopier<CCellBlock>(block, *part->m_Section->GetSectionData(), part->m_Copy)
+        foreign::CLauCopier<CCellBlock>(block, *part->m_Section->GetSectionData(), part->m_Copy)
             .Copy(IndexOf(*part, from), static_cast<std::uint32_t>(from - first), static_cast<int>(to - from));
     }
 }

@@ -79,7 +79,7 @@ private:
                 m_Table.AddRow({"left out", section.GetName(), reason.empty() ? otherSpace : reason});
                 return;
             }
-            if (UnitCount(section) == 0) {
+            if (LauCount(section) == 0) {
                 m_Table.AddRow({"left out", section.GetName(), "no contents"});
                 return;
             }
@@ -106,7 +106,7 @@ private:
                                .try_emplace(section.GetAddressSpaceName(),
                                             m_Options.m_Width.value_or(static_cast<unsigned>(data.GetByteLength(0))))
                                .first;
-        foreign::CheckUnitWidth({"memory", first->second, 0}, m_Image, data);
+        foreign::CheckLauWidth({"memory", first->second, 0}, m_Image, data);
         if (section.GetType() == CSection::TYPE_BSS) {
             return; // zeros, and maybe very many
         }

@@ -182,12 +182,12 @@ std::string TypeName(CSection::eType type) {
     return NAMES.at(static_cast<std::size_t>(type));
 }
 
-std::uint64_t UnitBits(const CSection& section) {
+std::uint64_t LauBits(const CSection& section) {
     const int bytes = section.GetBytesPerWord();
     return bytes > 0 && section.GetWordBitSize() > 0 ? static_cast<std::uint64_t>(section.GetWordBitSize() / bytes) : 0;
 }
 
-std::uint64_t UnitCount(const CSection& section) {
+std::uint64_t LauCount(const CSection& section) {
     return static_cast<std::uint64_t>(std::max(section.GetSectionDataByteCount(), 0));
 }
 

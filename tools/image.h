@@ -39,9 +39,9 @@ std::uint64_t FileSize(const std::string& path);
 /// "text", "data", "bss", "debug", "info".
 std::string TypeName(ObjectFile::CSection::eType type);
 /// Bits of one LAU; 0 when the section's organization allows none.
-std::uint64_t UnitBits(const ObjectFile::CSection& section);
+std::uint64_t LauBits(const ObjectFile::CSection& section);
 /// LAUs that the section occupies.
-std::uint64_t UnitCount(const ObjectFile::CSection& section);
+std::uint64_t LauCount(const ObjectFile::CSection& section);
 /// Why a load leaves the section out whatever the memory ("stack section"), or an empty text.
 std::string ReasonLeftOut(const ObjectFile::CSection& section);
 

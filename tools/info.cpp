@@ -57,8 +57,8 @@ CTable Sections(const CObjectFile& image) {
     for (int i = 0; i < image.SectionsCount(); ++i) {
         const CSection& section = *image.GetSection(i);
         table.AddRow({section.GetName(), TypeName(section.GetType()), section.GetAddressSpaceName(),
-                      CHex{section.GetMemoryByteAddress()}, section.GetMemoryByteAddressIsAbsolute(),
-                      UnitCount(section), UnitBits(section), OrderName(section), Number(section.RelocationCount())});
+                      CHex{section.GetMemoryByteAddress()}, section.GetMemoryByteAddressIsAbsolute(), LauCount(section),
+                      LauBits(section), OrderName(section), Number(section.RelocationCount())});
     }
     return table;
 }

@@ -15,7 +15,7 @@ using ObjectFile::CSection;
 bool IsPlaced(const CSection& section, bool withStackAndHeap) {
     const bool stackOrHeap = section.IsStack(false) || section.IsHeap(false);
     const bool leftOut = stackOrHeap ? !withStackAndHeap : !ReasonLeftOut(section).empty();
-    return !leftOut && section.GetMemoryByteAddressIsAbsolute() && UnitCount(section) > 0;
+    return !leftOut && section.GetMemoryByteAddressIsAbsolute() && LauCount(section) > 0;
 }
 
 /// Sorts the sections, finds overlaps and puts in the gaps.
@@ -72,7 +72,7 @@ std::vector<CSpace> LayOut(const ObjectFile::CObjectFile& image, bool withStackA
             spaces.push_back(CSpace{section.GetAddressSpaceName(), {}, 0});
         }
         const auto address = static_cast<std::uint32_t>(section.GetMemoryByteAddress());
-        spaces[index->second].m_Pieces.push_back({&section, address, UnitCount(section), nullptr});
+        spaces[index->second].m_Pieces.push_back({&section, address, LauCount(section), nullptr});
     }
     for (CSpace& space : spaces) {
         Arrange(space);

@@ -26,7 +26,7 @@ namespace {
 using marlune::foreign::fli::CStorage;
 using ObjectFile::CObjectFile;
 
-constexpr std::uint32_t UNITS = 16U << 20U; // of 8 bits
+constexpr std::uint32_t LAUS = 16U << 20U; // of 8 bits
 constexpr const char* BIG_FILE = "import_bench_big.elf";
 constexpr const char* LITTLE_FILE = "import_bench_little.elf";
 constexpr std::uint64_t TABLE_SIZE = 14;
@@ -102,7 +102,7 @@ void Load(CStorage& storage, const char* path) {
 
 void BM_LoadElf(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) {
-        CStorage storage("mem", 8, UNITS);
+        CStorage storage("mem", 8, LAUS);
         Load(storage, state.range(0) != 0 ? BIG_FILE : LITTLE_FILE);
     }
 }
@@ -111,14 +111,14 @@ BENCHMARK(BM_LoadElf)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 /// The floor: reads the file whole and stores the bytes of its one data section.
 void BM_LoadByHand(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) {
-        auto cells = marlune::foreign::fli::MakeZeroedArray<std::uint64_t>(UNITS);
+        auto cells = marlune::foreign::fli::MakeZeroedArray<std::uint64_t>(LAUS);
         std::FILE* const file = std::fopen(BIG_FILE, "rb");
         std::fseek(file, 0, SEEK_END);
         std::vector<unsigned char> bytes(static_cast<std::size_t>(std::ftell(file)));
         std::rewind(file);
         const std::size_t got = std::fread(bytes.data(), 1, bytes.size(), file);
         std::fclose(file);
-        for (std::size_t i = 0; i < UNITS && i < got; ++i) {
+        for (std::size_t i = 0; i < LAUS && i < got; ++i) {
             cells[i] = bytes[i + sizeof(Elf64_Ehdr) + TABLE_SIZE];
         }
         benchmark::ClobberMemory();
@@ -172,8 +172,8 @@ BENCHMARK(BM_RecordsByHand)->Arg(30000)->Arg(300000)->Unit(benchmark::kMilliseco
 double PeakMemory(const char* path) {
     const pid_t child = fork();
     if (child == 0) {
-        CStorage storage("mem", 8, UNITS);
-        for (std::uint32_t i = 0; i < UNITS; ++i) {
+        CStorage storage("mem", 8, LAUS);
+        for (std::uint32_t i = 0; i < LAUS; ++i) {
             storage.m_Words64[i] = i;
         }
         if (path != nullptr) {
@@ -190,8 +190,8 @@ double PeakMemory(const char* path) {
 
 int main(int argc, char** argv) try {
     if (fork() == 0) { // leaves this process small
-        SaveElf(BIG_FILE, true, 1, UNITS, 0);
-        SaveElf(LITTLE_FILE, false, 1, UNITS, 0);
+        SaveElf(BIG_FILE, true, 1, LAUS, 0);
+        SaveElf(LITTLE_FILE, false, 1, LAUS, 0);
         _exit(0);
     }
     wait(nullptr);
@@ -205,7 +205,7 @@ int main(int argc, char** argv) try {
          {"100000 symbols and relocations in 1000 sections / in 1", "BM_Import/1000/100000", "", "BM_Import/1/100000",
           1.5},
          {"10000 sections / 1000", "BM_Import/10000/1", "", "BM_Import/1000/1", 12}});
-    std::printf("%-72s %8.2f %8.2f\n", "peak memory beyond the cells / file", beyondCells / UNITS, 2.5);
+    std::printf("%-72s %8.2f %8.2f\n", "peak memory beyond the cells / file", beyondCells / LAUS, 2.5);
     std::remove(BIG_FILE);
     std::remove(LITTLE_FILE);
     return status;

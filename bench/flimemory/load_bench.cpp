@@ -22,18 +22,18 @@ using marlune::foreign::fli::CStorage;
 using ObjectFile::CObjectFile;
 using ObjectFile::CSection;
 
-constexpr std::uint32_t UNITS = 16U << 20U; // of 8 bits
+constexpr std::uint32_t LAUS = 16U << 20U; // of 8 bits
 constexpr const char* FILE_NAME = "load_bench.obj";
 constexpr const char* SWEEP_FILE_NAME = "load_bench_sweep.obj";
 
-/// 8-bit units in words of 32 bits: 16 MiB of them make about 140 MB of text.
-void SaveImage(const char* fileName, std::uint32_t units) {
+/// 8-bit LAUs in words of 32 bits: 16 MiB of them make about 140 MB of text.
+void SaveImage(const char* fileName, std::uint32_t laus) {
     CObjectFile image(32, 4, ObjectFile::BO_BIG, "ram");
     CSection& section = *image.CreateSection(CSection::TYPE_DATA, ".data");
     section.SetMemoryByteAddressIsAbsolute(true);
     std::string bytes(1U << 16U, '\0');
     std::uint32_t random = 1;
-    for (std::uint32_t done = 0; done < units; done += static_cast<std::uint32_t>(bytes.size())) {
+    for (std::uint32_t done = 0; done < laus; done += static_cast<std::uint32_t>(bytes.size())) {
         for (char& byte : bytes) {
             random = random * 1664525 + 1013904223;
             byte = static_cast<char>(random >> 24U);
@@ -59,9 +59,9 @@ void LoadByHand(std::uint64_t* cells) {
         const char* const end = buffer.data() + kept + got;
         while (const char* next =
                    static_cast<const char*>(std::memchr(line, '\n', static_cast<std::size_t>(end - line)))) {
-            for (const char* unit = line; next - line == 32 && unit < next && cell < UNITS; unit += 8) {
+            for (const char* lau = line; next - line == 32 && lau < next && cell < LAUS; lau += 8) {
                 std::uint64_t digits = 0;
-                std::memcpy(&digits, unit, 8);
+                std::memcpy(&digits, lau, 8);
                 cells[cell++] = ((digits & 0x0101010101010101) * 0x8040201008040201) >> 56U;
             }
             line = next + 1;
@@ -74,21 +74,21 @@ void LoadByHand(std::uint64_t* cells) {
 
 void BM_LoadFile(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) {
-        CStorage storage("mem", 8, state.range(0) != 0 ? 0xFFFFFFFF : UNITS);
+        CStorage storage("mem", 8, state.range(0) != 0 ? 0xFFFFFFFF : LAUS);
         CObjectFile image;
         image.LoadFile(FILE_NAME);
         Store(storage, image);
     }
-    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * UNITS);
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * LAUS);
 }
 BENCHMARK(BM_LoadFile)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
-/// Load time over size; argument: MiB of units.
+/// Load time over size; argument: MiB of LAUs.
 void BM_LoadSize(benchmark::State& state) {
-    const auto units = static_cast<std::uint32_t>(state.range(0)) << 20U;
-    SaveImage(SWEEP_FILE_NAME, units);
+    const auto laus = static_cast<std::uint32_t>(state.range(0)) << 20U;
+    SaveImage(SWEEP_FILE_NAME, laus);
     for ([[maybe_unused]] auto _ : state) {
-        CStorage storage("mem", 8, units);
+        CStorage storage("mem", 8, laus);
         CObjectFile image;
         image.LoadFile(SWEEP_FILE_NAME);
         Store(storage, image);
@@ -99,9 +99,9 @@ BENCHMARK(BM_LoadSize)->RangeMultiplier(2)->Range(1, 32)->Unit(benchmark::kMilli
 
 void BM_LoadByHand(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) {
-        auto cells = marlune::foreign::fli::MakeZeroedArray<std::uint64_t>(UNITS);
+        auto cells = marlune::foreign::fli::MakeZeroedArray<std::uint64_t>(LAUS);
         LoadByHand(cells.get());
-        benchmark::DoNotOptimize(cells[UNITS - 1]);
+        benchmark::DoNotOptimize(cells[LAUS - 1]);
     }
 }
 BENCHMARK(BM_LoadByHand)->Unit(benchmark::kMillisecond);
@@ -111,7 +111,7 @@ void BM_Store(benchmark::State& state) {
     CObjectFile image;
     image.LoadFile(FILE_NAME);
     for ([[maybe_unused]] auto _ : state) {
-        CStorage storage("mem", 8, UNITS);
+        CStorage storage("mem", 8, LAUS);
         Store(storage, image, 0, 0xFFFFFFFF, static_cast<unsigned>(state.range(0)));
     }
 }
@@ -122,17 +122,17 @@ void BM_StoreWindow(benchmark::State& state) {
     CObjectFile image;
     image.LoadFile(FILE_NAME);
     for ([[maybe_unused]] auto _ : state) {
-        CStorage storage("mem", 8, UNITS);
-        Store(storage, image, UNITS - UNITS / 1024);
+        CStorage storage("mem", 8, LAUS);
+        Store(storage, image, LAUS - LAUS / 1024);
     }
 }
 BENCHMARK(BM_StoreWindow)->Unit(benchmark::kMicrosecond);
 
 void BM_BareStores(benchmark::State& state) {
-    std::vector<unsigned char> bytes(UNITS, 0x5A);
+    std::vector<unsigned char> bytes(LAUS, 0x5A);
     for ([[maybe_unused]] auto _ : state) {
-        auto cells = marlune::foreign::fli::MakeZeroedArray<std::uint64_t>(UNITS);
-        for (std::uint32_t i = 0; i < UNITS; ++i) {
+        auto cells = marlune::foreign::fli::MakeZeroedArray<std::uint64_t>(LAUS);
+        for (std::uint32_t i = 0; i < LAUS; ++i) {
             cells[i] = bytes[i];
         }
         benchmark::ClobberMemory();
@@ -212,7 +212,7 @@ BENCHMARK(BM_LookUpAndCalls)->MARLUNE_WIDTHS;
 } // namespace
 
 int main(int argc, char** argv) {
-    SaveImage(FILE_NAME, UNITS);
+    SaveImage(FILE_NAME, LAUS);
     std::vector<CRatio> ratios = {
         {"load of a 16 MiB text image / by hand", "BM_LoadFile/0", "", "BM_LoadByHand", 1.5},
         {"load into a sparse memory / dense", "BM_LoadFile/1", "", "BM_LoadFile/0", 2},

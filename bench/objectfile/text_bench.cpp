@@ -18,7 +18,7 @@ using ObjectFile::CSection;
 
 constexpr const char* IMAGE = "text_bench.vexon";
 constexpr const char* OUTPUT = "text_bench.out";
-constexpr int WORDS = 4 << 20; // of 32 bits: 16 MiB of 8-bit units, about 140 MB of text
+constexpr int WORDS = 4 << 20; // of 32 bits: 16 MiB of 8-bit LAUs, about 140 MB of text
 
 std::string RecordsFile(long count) {
     return "text_bench_" + std::to_string(count) + ".vexon";

@@ -19,9 +19,9 @@ namespace marlune::foreign {
 /// TStorage has these of CStorage: the type CWord, the members m_Name, m_ByteBitWidth and m_Size (for LoadMemory only),
 /// and Write, WriteNumbers, FillZero and NumbersFrom.
 template <typename TStorage>
-class CUnitCopier {
+class CLauCopier {
 public:
-    CUnitCopier(TStorage& storage, const ObjectFile::CSectionData& data, const CSectionCopy& copy)
+    CLauCopier(TStorage& storage, const ObjectFile::CSectionData& data, const CSectionCopy& copy)
         : m_Storage(storage), m_Data(data),
           m_Step(static_cast<int>(std::min(copy.m_Stride, static_cast<unsigned>(std::numeric_limits<int>::max())))),
           m_Reversed(copy.m_Reversed) {}
@@ -86,7 +86,7 @@ CLoadResult LoadMemory(TStorage& storage, ObjectFile::CObjectFile const& objectF
     for (int i = 0; i < objectFile.SectionsCount(); ++i) {
         const ObjectFile::CSection& section = *objectFile.GetSection(i);
         if (const auto copy = PlanSection(section, objectFile, addressSpace, window, target, includeStackHeap)) {
-            CUnitCopier<TStorage>(storage, *section.GetSectionData(), *copy)
+            CLauCopier<TStorage>(storage, *section.GetSectionData(), *copy)
                 .Copy(copy->m_Index, copy->m_Cell, copy->m_Count);
             result.m_HasStored = true;
             if (copy->m_Beyond > 0 && result.m_CutSection == nullptr) {

@@ -32,7 +32,7 @@ bool IsLoaded(const CSection& section, const std::string& addressSpace, bool inc
     return true;
 }
 
-void CheckUnitWidth(const CLoadTarget& target, const ObjectFile::CObjectFile& objectFile,
+void CheckLauWidth(const CLoadTarget& target, const ObjectFile::CObjectFile& objectFile,
                     const ObjectFile::CSectionData& data) {
     const auto width = static_cast<std::uint32_t>(data.GetByteLength(0));
     if (width != target.m_ByteBitWidth) {
@@ -76,7 +76,7 @@ std::optional<CSectionCopy> PlanSection(const CSection& section, const ObjectFil
     }
     const auto available = static_cast<std::uint64_t>(std::max(section.GetSectionDataByteCount(), 0));
     if (available > 0) {
-        CheckUnitWidth(target, objectFile, *section.GetSectionData());
+        CheckLauWidth(target, objectFile, *section.GetSectionData());
     }
     const auto place = PlaceSection(window, static_cast<std::uint32_t>(section.GetMemoryByteAddress()), available);
     const std::uint64_t cellLimit = std::min(window.RangeLength(), target.m_Size);

@@ -64,8 +64,8 @@ struct CLoadResult {
 bool IsLoaded(const ObjectFile::CSection& section, const std::string& addressSpace, bool includeStackHeap);
 
 /// Throws CGeneralError if the section's LAUs are not as wide as the memory's.
-void CheckUnitWidth(const CLoadTarget& target, const ObjectFile::CObjectFile& objectFile,
-                    const ObjectFile::CSectionData& data);
+void CheckLauWidth(const CLoadTarget& target, const ObjectFile::CObjectFile& objectFile,
+                   const ObjectFile::CSectionData& data);
 
 /// The placement of a section of `count` LAUs at the address, or nothing if it lies outside the range. Sums are
 /// computed in 64 bits, so that nothing wraps. Throws CGeneralError for a stride of 0.
