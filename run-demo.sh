@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the libraries and the image tool, and runs the two examples in their simulators. It fails when any value that a
-# memory delivers differs from what it must be. A second run builds nothing.
+# Builds the libraries and the image tool, and runs the two examples in their simulators. It fails if any value that a
+# memory delivers is wrong. A second run builds nothing.
 #
 # usage: run-demo.sh
 set -euo pipefail
@@ -20,7 +20,7 @@ need_packages "the SystemVerilog example's program" riscv64-unknown-elf-ld binut
 need_packages "the image tool" /usr/include/CLI/CLI.hpp libcli11-dev
 need_packages "the image tool" /usr/include/nlohmann/json.hpp nlohmann-json3-dev
 need_packages "the image tool" /usr/include/gelf.h libelf-dev
-install_packages || echo "The demo goes on with the images that lie beside the example's program."
+install_packages || echo "The demo continues with the images beside the example's program."
 
 build=build/demo
 mkdir -p "$build"
@@ -40,4 +40,4 @@ echo "== SystemVerilog in Verilator and Icarus Verilog: a processor for RV32I, i
 examples/riscv/run.sh "$build"
 
 echo
-echo "Both examples ran, and every value was as it must be."
+echo "Both examples ran, and every value was correct."

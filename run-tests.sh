@@ -37,7 +37,7 @@ if [[ ${1-} == --all ]]; then
 fi
 install_packages
 
-# Build and test one preset; the compiler's output is worth showing only when it fails.
+# Builds and tests one preset. The compiler's output is shown only if it fails.
 check() {
     local preset=$1 log
     log=$(mktemp)

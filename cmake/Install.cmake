@@ -1,5 +1,5 @@
-# What an installation holds, in three components: "runtime" is what simulators load and designs use, "development" is for
-# programs and builds of one's own, "tool" is marlune-image. Packages.cmake makes a Debian package of each.
+# What an installation contains, in three components: "runtime" is what simulators load and designs use, "development" is
+# for users' own programs and builds, "tool" is marlune-image. Packages.cmake makes a Debian package of each.
 include(CMakePackageConfigHelpers)
 
 set(library_dir "${CMAKE_INSTALL_LIBDIR}/marlune")
@@ -8,8 +8,8 @@ set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 set(header_dir "${CMAKE_INSTALL_INCLUDEDIR}/marlune_fli_memory")
 set(data_dir "${CMAKE_INSTALL_DATADIR}/marlune_fli_memory")
 
-# The libraries have a folder of their own. Links stand where simulators look for them: the loader for what GHDL and
-# linkers know by a bare name, and Icarus Verilog for its modules.
+# The libraries have a folder of their own. Links are where simulators look for them: in the loader's path, for GHDL and
+# linkers, which use a bare name, and in Icarus Verilog's folder of modules.
 set_target_properties(marlune_direct PROPERTIES EXPORT_NAME direct)
 set_target_properties(marlune_fli_memory PROPERTIES EXPORT_NAME fli_memory)
 install(TARGETS marlune_direct marlune_fli_memory EXPORT marlune_targets

@@ -1,4 +1,4 @@
-# What all targets of this project share: language level, warnings, sanitizers. The variables hold in its folders only.
+# What all targets of this project share: language level, warnings, sanitizers. The variables apply to its folders only.
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
@@ -19,8 +19,8 @@ else()
                            $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE> $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
 endif()
 
-# A library that a simulator loads. Exports what the version script beside it says; calls between its own entry points stay
-# inside. The simulator's functions stay undefined and bind lazily, because not every simulator has all of them.
+# A library that a simulator loads. It exports what the version script beside it lists, and calls between its own entry
+# points stay inside. The simulator's functions stay undefined and bind lazily, because not every simulator has all of them.
 function(marlune_simulator_library target)
     target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/src/version.cpp")
     target_compile_definitions(${target} PRIVATE MARLUNE_VERSION_TEXT="lib${target} ${PROJECT_VERSION}")
@@ -28,8 +28,8 @@ function(marlune_simulator_library target)
     target_link_options(${target} PRIVATE -Wl,-z,lazy -Wl,-z,relro -Wl,-Bsymbolic -Wl,-u,marlune_version
                         "-Wl,--version-script=${CMAKE_CURRENT_SOURCE_DIR}/exports.map")
     if(NOT MARLUNE_SANITIZE)
-        # Simulators bring a C++ run-time of their own, often an older one. What of ours is not used goes, for parts of it
-        # need the newest C library.
+        # Simulators bring their own C++ run-time, often an older one. Unused parts of ours are removed, because some of
+        # them need the newest C library.
         target_link_options(${target} PRIVATE -static-libstdc++ -static-libgcc -Wl,--gc-sections)
     endif()
     set_target_properties(${target} PROPERTIES

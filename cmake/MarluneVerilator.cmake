@@ -1,8 +1,8 @@
 # marlune_add_verilator(NAME <executable> TOP <module> SOURCES <file>... [VERILATOR_ARGS <argument>...])
 #
-# Adds an executable that simulates the module with Verilator, its memories served by direct calls. The sources are those
-# of the design and its test bench; this project's marlune_dpi.sv and marlune_memory.sv come in addition. To run it as a
-# test: add_test(NAME <name> COMMAND <executable>).
+# Adds an executable that simulates the module with Verilator; direct calls serve its memories. The sources are those of
+# the design and its test bench; the function adds marlune_dpi.sv and marlune_memory.sv. To run it as a test:
+# add_test(NAME <name> COMMAND <executable>).
 function(marlune_add_verilator)
     cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME;TOP" "SOURCES;VERILATOR_ARGS")
     if(arg_UNPARSED_ARGUMENTS OR NOT arg_NAME OR NOT arg_TOP OR NOT arg_SOURCES)

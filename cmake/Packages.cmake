@@ -11,7 +11,7 @@ set(CPACK_DEBIAN_PACKAGE_SECTION electronics)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_STRIP_FILES ON)
-# As umask 022 makes them, whatever the one in force is.
+# As umask 022 would create them, whatever the current one is.
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ
     WORLD_EXECUTE)
 
@@ -27,7 +27,7 @@ interface run it. The package holds the libraries, the HDL sources that
 designs use, examples and documents.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS "marlune-image, ghdl, iverilog, verilator")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
-# The loader's cache then has the libraries that it knows by links.
+# The loader's cache then includes the libraries that are known by links.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/debian/triggers")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libmarlune-fli-memory-dev)
@@ -47,7 +47,7 @@ and draws them, and lists their sections, symbols and lines. Makes images of
 ELF files, Intel HEX, S-records, $readmemh text and raw bytes.")
 set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
 
-# What a Debian package must hold beside the files of its component.
+# What a Debian package must contain besides the files of its component.
 set(components runtime development)
 if(TARGET marlune-image)
     list(APPEND components tool)

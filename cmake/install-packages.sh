@@ -1,4 +1,4 @@
-# Shared by run-demo.sh and run-tests.sh: what they need from the distribution, installed with apt-get when missing.
+# Shared by run-demo.sh and run-tests.sh: installs what they need from the distribution, with apt-get, if it is missing.
 #
 #   need_packages "what for" COMMAND_OR_FILE PACKAGE...   notes the packages when the command (or the file, a name that
 #                                                         begins with "/" and may be a pattern) is not there

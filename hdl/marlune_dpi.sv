@@ -1,5 +1,5 @@
-// A test bench's direct way to the memories, past their ports and in no time: load program images, read and write
-// cells.
+// A test bench's backdoor to the memories: it loads program images, and reads and writes cells, without the ports and
+// in zero time.
 //
 // Addresses count cells. A cell holds one LAU (least addressable unit) of an image, as many bits as the second of the
 // memory's parameters says. A memory is found by the path of its instance.
@@ -14,9 +14,9 @@ package marlune_dpi;
 
   // ---- The library's functions ----
 
-  // Loads the sections of an address space. The memory's name is that of its instance with a suffix ".RAM" (or "_RAM"),
-  // which is cut off again: what stands before the last "RAM" of the name, less one character, is the memory. A name
-  // without "RAM" is taken whole. The path may be written in any way, since its separators become "_".
+  // Loads the sections of an address space. The memory's name is that of its instance with a suffix ".RAM" (or
+  // "_RAM"), which is removed again: the last "RAM" of the name, the character before it and all that follows are dropped. A name
+  // without "RAM" is used as a whole. Its separators may be of any kind, because they become "_".
   //
   // The LAUs at low_address + phase, then every stride-th, up to high_address (inclusive) go to the cells from
   // cell_base / stride on. All five count LAUs. Cells that get no LAU keep their contents. A file is read once, however
@@ -30,7 +30,7 @@ package marlune_dpi;
   import "DPI-C" function void marlune_dpi_memory_write(
       input string name, input int unsigned address, input logic [1023:0] data);
 
-  // Reads a cell into the low bits; the bits above the memory's width stay. The name must be normalised.
+  // Reads a cell into the low bits; the bits above the memory's width keep their values. The name must be normalised.
   import "DPI-C" function void marlune_dpi_memory_read(
       input string name, input int unsigned address, inout logic [1023:0] data);
 
@@ -48,13 +48,13 @@ package marlune_dpi;
       endcase
   endfunction
 
-  // Loads an address space of an image, the LAU at address `base` into cell 0. LAUs below base are left out.
+  // Loads an address space of an image, the LAU at address `base` into cell 0. LAUs below `base` are skipped.
   function automatic void load_image(string path, string file, string address_space, int unsigned base = 0);
     marlune_dpi_memory_init({path, ".RAM"}, file, address_space, 0, base, 32'hFFFF_FFFF, 0, 1);
   endfunction
 
-  // Loads one bank of a memory that is interleaved LAU by LAU: the LAUs at base + bank, base + bank + banks, and so on
-  // into cells 0, 1, and so on.
+  // Loads one bank of a memory that is interleaved LAU by LAU: the LAUs at `base` + `bank`, `base` + `bank` + `banks`,
+  // and so on into cells 0, 1, and so on.
   function automatic void load_bank(string path, string file, string address_space, int unsigned bank,
                                     int unsigned banks, int unsigned base = 0);
     marlune_dpi_memory_init({path, ".RAM"}, file, address_space, 0, base, 32'hFFFF_FFFF, bank, banks);
@@ -66,15 +66,15 @@ package marlune_dpi;
     marlune_dpi_memory_read(memory_name(path), address, peek);
   endfunction
 
-  // Stores into a cell. A write that a port has recorded comes later, at the next edge. Some simulators want the value
-  // to have all 1024 bits: word_t'(value).
+  // Stores into a cell. A write that a port has already recorded follows at the next edge. Some simulators want the
+  // value to have all 1024 bits: word_t'(value).
   function automatic void poke(string path, int unsigned address, word_t value);
     marlune_dpi_memory_write(memory_name(path), address, value);
   endfunction
 
   // ---- For the module below ----
 
-  // Receives another number whenever the modules are to look at their clocks.
+  // Changes whenever the modules are to look at their clocks.
   /* verilator lint_off MULTIDRIVEN */
   int unsigned turn;
   /* verilator lint_on MULTIDRIVEN */
@@ -82,12 +82,12 @@ package marlune_dpi;
 endpackage
 
 // The part of a memory module that is the same for all port groups; marlune_memory.sv and its copies instantiate it. It
-// serves the ports by direct calls, with any simulator that has DPI.
+// serves the ports by direct calls, in any simulator that has DPI.
 //
-// PARAMETERS are "mode width cells", and "" makes them of MODE, DATA_BITS and ADDRESS_BITS.
+// PARAMETERS is "mode width cells", or "" to derive them from MODE, DATA_BITS and ADDRESS_BITS.
 //
-// PORTS are the names of all ports but CLK, each followed by a blank. WIDTHS are their widths in bits, 32 bits each,
-// after 32 bits of 0. `inputs` and `outputs` are their values. All begin with the first port.
+// PORTS has the names of all ports but CLK, each followed by a blank. WIDTHS has their widths in bits, 32 bits each,
+// after 32 bits of 0. `inputs` and `outputs` have their values. All begin with the first port.
 module marlune_ports #(
     parameter string PARAMETERS = "",
     parameter MODE = 0,
@@ -113,14 +113,14 @@ module marlune_ports #(
   import "DPI-C" function longint unsigned marlune_sv_look(
       input chandle memory, input real now, input bit clk, output bit [OUTPUT_BITS-1:0] outputs);
 
-  // Here and not in an initial block: a test bench may load the memory in one of its own.
+  // Not in an initial block, because the test bench may load the memory in one.
   chandle memory = marlune_sv_open($sformatf("%m"), PARAMETERS, MODE, DATA_BITS, ADDRESS_BITS, PORTS, WIDTHS);
 
   bit [OUTPUT_BITS-1:0] at_rise, at_look, risen, looked;
   longint unsigned rise_stamp, look_stamp, rise, look;
 
-  // The stamp differs from edge to edge. It makes the inputs come after each edge, changed or not: when the registers
-  // of the same clock have their new values, and once more for each later change.
+  // The stamp differs from edge to edge. It makes the inputs be reported after each edge, changed or not: when the
+  // registers of the same clock have their new values, and again for each later change.
   always @(posedge CLK) begin
     rise = marlune_sv_rise(memory, $realtime, risen);
     at_rise <= risen;
@@ -129,7 +129,7 @@ module marlune_ports #(
 
   always @* marlune_dpi::turn = marlune_sv_inputs(memory, $realtime, rise_stamp, inputs);
 
-  // Rarely in synchronous mode: only where an output does not change at the edge itself.
+  // Fetches outputs that have changed after the rise, as they do in mode 0. In mode 1 this seldom runs.
   always @(marlune_dpi::turn) begin
     look = marlune_sv_look(memory, $realtime, CLK, looked);
     at_look <= looked;

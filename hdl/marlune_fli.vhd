@@ -1,12 +1,12 @@
--- Compile this package once, as it is; the entities of your memories (marlune_memory.vhd is one to copy) use it.
+-- Compile this package once, unchanged; the entities of your memories (copies of marlune_memory.vhd) use it.
 
 library ieee;
 use ieee.std_logic_1164.all;
 
 package marlune_fli is
 
-  -- The characters of a text, 8 bits each. Through VPI a simulator shows signals only: a memory has the text of its
-  -- foreign attribute in one.
+  -- The characters of a text, 8 bits each. VPI shows only signals, so a memory has the text of its foreign attribute in
+  -- one.
   function to_bits(text : string) return std_logic_vector;
 
 end package;

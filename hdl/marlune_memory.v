@@ -2,9 +2,9 @@
 //
 //   vvp -M$LIB -mmarlune_fli my_tb.vvp
 //
-// An FLI simulator takes the VHDL entity in its place, and a simulator with DPI marlune_memory.sv. For other ports copy
-// this file, and change the module's name and its ports. marlune_memory.vhd has the rules of port names. An output is a
-// reg: Icarus folds a net that nothing drives into a constant. The library reads the ports and drives Q0.
+// For an FLI simulator use the VHDL entity instead, and for a simulator with DPI marlune_memory.sv. For other ports
+// copy this file, and change the module's name and its ports. marlune_memory.vhd has the rules of port names. Outputs are of
+// type reg, because Icarus folds an undriven net into a constant. The library reads the ports and drives Q0.
 module marlune_memory #(
     parameter ADDRESS_BITS = 10,
     parameter DATA_BITS = 32,
@@ -21,7 +21,7 @@ module marlune_memory #(
 );
     localparam MARLUNE_FOREIGN = {"marlune_fli_memory_init libmarlune_fli_memory.so; ", PARAMETERS};
 
-    // The library sets it before time 0, when an initial value would still overwrite it.
+    // The library sets it before time 0. It has no initial value, which would overwrite that.
     reg MARLUNE_SERVED;
     always @(posedge CLK)
         if (MARLUNE_SERVED !== 1) begin

@@ -1,13 +1,12 @@
 -- A memory of 1024 cells of 32 bits with one read port (prefix r) and one write port (prefix w). Copy the file for each
--- shape of memory in your design and change the entity's name, its ports and the three parameters; the rest stays.
+-- shape of memory in your design and change the entity's name, its ports and the three parameters; keep the rest.
 --
 -- The same source serves an FLI simulator, which runs the library directly, and GHDL, which runs it through the bridge.
 --
 -- Ports: CLK, and any number of groups. The text before the last "_" of a port's name, its prefix, says to which group
--- it belongs; what follows is its role. Upper and lower case differ in a prefix (where the language keeps them apart)
--- and not in a role.
+-- it belongs; what follows is its role. Prefixes are case-sensitive (if the language is), roles are not.
 --
---   read port    Q0 (data out), RA0 (address), RE0 (enable: it must be there, but the port reads at every edge)
+--   read port    Q0 (data out), RA0 (address), RE0 (enable: required, but the port reads at every edge)
 --   write port   D0 (data in), WA0 (address), WE0 (enable)
 --   shared port  Q0, D0, A0 (address), CS0 (chip select), WE0
 --

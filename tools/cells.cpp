@@ -1,4 +1,4 @@
-// Fills cells as a load would.
+// Computes cells as a load would fill them.
 #include "tools/cells.h"
 
 #include <algorithm>
@@ -9,8 +9,8 @@
 namespace marlune::tool {
 namespace {
 
-/// What foreign::LoadMemory asks of a memory, for some cells whose limbs someone else holds. Cell 0 is the first of
-/// them.
+/// What foreign::LoadMemory requires of a memory, for a block of cells whose limbs the caller owns. Cell 0 is the first
+/// of them.
 class CCellBlock {
 public:
     using CWord = marlune_int<1024, true>;
@@ -18,7 +18,7 @@ public:
     CCellBlock(std::uint32_t width, std::uint64_t* limbs)
         : m_ByteBitWidth(width), m_Limbs(limbs), m_LimbsPerCell((width + 63) / 64) {}
 
-    /// Keeps the low bits: what a test bench reads back.
+    /// Keeps the low bits, which are what a test bench reads back.
     void Write(std::uint32_t cell, const CWord& value) {
         std::uint64_t* const limbs = LimbsOf(cell);
         for (unsigned i = 0; i < m_LimbsPerCell; ++i) {

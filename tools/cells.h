@@ -12,10 +12,10 @@
 namespace marlune::tool {
 
 /// The cells of a memory, of `width` bits (1 to 1024) each, after foreign::LoadMemory has filled them from an image.
-/// They are copied out of the image's sections, by the load's own code, when they are read.
+/// They are copied from the image's sections, by the load's own code, when they are read.
 ///
-/// No sparse storage of the memory model holds them: it takes 8 bytes for each cell, eight times the contents of an
-/// 8-bit memory, where the sections hold them in packed form already.
+/// Implementation note: they are not stored in the memory model's CSparseCells, which takes 8 bytes for each cell. That
+/// is eight times the contents of an 8-bit memory, and the sections already hold them in packed form.
 class CLoadedCells {
 public:
     /// A range of cells.
@@ -35,9 +35,9 @@ public:
     /// The byte order that all loaded sections share; little if there are none or if they differ.
     ObjectFile::eByteOrder ByteOrder() const { return m_ByteOrder; }
 
-    /// The cells that are loaded, ascending, neighbours joined.
+    /// The cells that are loaded, in ascending order, with neighbours joined.
     const std::vector<CRun>& Runs() const { return m_Runs; }
-    /// True when none of the cells was loaded with anything but zeros that take no memory; false says nothing.
+    /// True if all that was loaded into the cells is zeros that take no memory; false says nothing.
     bool IsZero(std::uint64_t first, std::uint32_t count) const;
     /// Stores `count` cells from `first` on in LimbsPerCell() limbs each, the least significant first. Cells that are
     /// not loaded are 0. Throws std::out_of_range for a LAU that its line lacks, as a load does.

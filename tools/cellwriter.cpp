@@ -29,7 +29,7 @@ constexpr std::array<CHexPair, 256> MakeHexPairs(const char (&digits)[N]) {
 constexpr std::array<CHexPair, 256> LOWER_PAIRS = MakeHexPairs("0123456789abcdef");
 constexpr std::array<CHexPair, 256> UPPER_PAIRS = MakeHexPairs("0123456789ABCDEF");
 
-/// Text on its way to a stream, which takes large pieces better than small ones.
+/// Buffers text for a stream, because large pieces cost less than small ones.
 class CTextBuffer {
 public:
     explicit CTextBuffer(std::ostream& out) : m_Out(out), m_Text(SIZE) {}
@@ -46,7 +46,7 @@ public:
             text.remove_prefix(part.size());
         }
     }
-    /// Room for so many characters, at most SIZE, which the caller fills at once.
+    /// Room for `count` characters, at most SIZE, which the caller fills at once.
     char* Extend(std::size_t count) {
         if (count > SIZE - m_Used) {
             Flush();
@@ -185,7 +185,7 @@ private:
         }
     }
 
-    /// Hands over the rows of a run: its first cell, where in the block that is, and the number of cells.
+    /// Passes on the rows of a run: the first cell, its place in the block, and the number of cells.
     template <typename CTake>
     void ForEachRow(const CRun& run, bool skipZeros, CTake take) {
         const std::uint32_t perRow = CellsPerRow();
@@ -234,7 +234,7 @@ private:
         return static_cast<unsigned char>(limbs[index / 8] >> (index % 8 * 8));
     }
 
-    /// Hands over the bytes of a run, as much as a block at a time, each time with the address of the first.
+    /// Passes on the bytes of a run, at most a block at a time, with the address of the first.
     template <typename CTake>
     void ForEachBytes(const CRun& run, CTake take) {
         const unsigned perCell = BytesPerCell();
@@ -252,7 +252,7 @@ private:
         });
     }
 
-    /// Hands over a run's bytes in lines that end where the address is a multiple of RECORD_BYTES.
+    /// Passes on a run's bytes in lines that end where the address is a multiple of RECORD_BYTES.
     template <typename CTake>
     void ForEachRecord(const CRun& run, CTake take) {
         ForEachBytes(run, [&](std::uint64_t address, const std::string& bytes) {
@@ -299,7 +299,7 @@ private:
         PutRecord(type, BigEndian(address.size() + bytes.size() + 1, 1) + address, bytes, COMPLEMENT);
     }
 
-    /// A line: the mark, head and bytes in hexadecimal, and the low byte of `minuend` less the sum of the two.
+    /// A line: the mark, head and bytes in hexadecimal, and the low byte of `minuend` minus the sum of both.
     void PutRecord(std::string_view mark, std::string_view head, std::string_view bytes, unsigned minuend) {
         char* text = m_Out.Extend(mark.size() + 2 * (head.size() + bytes.size() + 1) + 1);
         text = std::copy(mark.begin(), mark.end(), text);

@@ -19,7 +19,7 @@ struct CWriteOptions {
 /// "hex", "bin", "readmemh", "ihex", "srec".
 std::vector<std::string> CellFormats();
 
-/// Writes the cells. Throws std::runtime_error, before it writes anything, when the format has no addresses for them.
+/// Writes the cells. Throws std::runtime_error, before it writes anything, if the format has no addresses for them.
 void WriteCells(std::ostream& out, const CLoadedCells& cells, const CWriteOptions& options);
 
 } // namespace marlune::tool

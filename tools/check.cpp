@@ -113,7 +113,7 @@ private:
         CheckDigits(section, data);
     }
 
-    /// The first LAU that a load stops at or misreads.
+    /// Reports the first LAU that a load stops at or misreads.
     void CheckDigits(const CSection& section, const CSectionData& data) {
         if (data.GetByteBitSize() > MOST_BITS) {
             Warn(section.GetName(), "of its " + std::to_string(data.GetByteBitSize()) +
@@ -153,7 +153,7 @@ private:
         }
     }
 
-    /// What in names matters outside of a load: a simulator quotes them in messages, and a text file stores them.
+    /// Names matter beyond a load: a simulator quotes them in messages, and a text file stores them.
     void CheckNames() {
         WarnOfTcl("", "the file's name", m_Options.m_File);
         for (int i = 0; i < m_Image.SectionsCount(); ++i) {

@@ -1,5 +1,5 @@
-// The sub-commands. Each prints its result on standard output and returns the exit status: STATUS_OK or STATUS_BAD.
-// What keeps it from answering at all is thrown as an exception derived from std::exception.
+// The sub-commands. Each prints its result to standard output and returns the exit status: STATUS_OK or STATUS_BAD. If
+// it cannot answer at all, it throws an exception derived from std::exception.
 #ifndef MARLUNE_TOOLS_COMMANDS_H
 #define MARLUNE_TOOLS_COMMANDS_H
 
@@ -16,12 +16,12 @@ constexpr int STATUS_OK = 0;
 constexpr int STATUS_BAD = 1;   // a bad image, or one that such a memory refuses
 constexpr int STATUS_USAGE = 2; // wrong usage
 
-/// What the command line says; each sub-command looks at what it knows.
+/// What the command line says. Each sub-command reads the members that concern it.
 struct COptions : CImportOptions {
     std::string m_File;
     bool m_NamesMemory = false;    // address space and width are those of a memory, whatever the file
-    bool m_WritesBytes = false;    // in a byte order, whatever the file
-    bool m_RequiresMemory = false; // a program of another toolchain needs them
+    bool m_WritesBytes = false;    // bytes are written in a byte order, whatever the file
+    bool m_RequiresMemory = false; // a program of another toolchain needs address space and width
     std::string m_Output;          // empty for standard output
     bool m_Json = false;
     std::uint32_t m_Size = 0; // cells

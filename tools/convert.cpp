@@ -1,4 +1,4 @@
-// `convert`: makes a text object file of a program.
+// `convert`: makes a text object file from a program.
 #include <cerrno>
 
 #include "tools/commands.h"
@@ -10,8 +10,8 @@
 namespace marlune::tool {
 namespace {
 
-/// Some contents of the library's own files can be stored but not read back, nameless symbols for instance. An import
-/// makes none of these.
+/// Some contents of the library's own files can be stored but not read back, for instance nameless symbols. An import
+/// produces none of these.
 void RequireLoadable(const std::string& path, const std::string& target) {
     try {
         COptions options;

@@ -29,13 +29,13 @@ std::string WithPlace(const std::string& path, std::optional<long> line, const s
     return Printable(path) + (line ? ":" + std::to_string(*line) : "") + ": " + text;
 }
 
-/// Messages of the ELF import end in line ends.
+/// Messages of the ELF import end with a newline.
 std::string WithoutLineEnd(std::string text) {
     text.erase(text.find_last_not_of('\n') + 1);
     return text;
 }
 
-/// The file is opened more than once, and opening a pipe could wait without end.
+/// The file is opened more than once, and opening a pipe could block forever.
 void RequireReadableFile(const std::string& path) {
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(path, error);
@@ -54,7 +54,7 @@ void RequireReadableFile(const std::string& path) {
     }
 }
 
-/// What line `number` (counted from 1) reads, for a message; nothing where the file has ended.
+/// The text of line `number` (counted from 1), for a message; nothing after the end of the file.
 std::string Quoted(const std::string& path, long number) {
     constexpr std::size_t MOST = 60;
     std::ifstream file(path);
@@ -82,8 +82,8 @@ eFormat FormatOf(const COptions& options) {
     return options.m_Format ? *options.m_Format : RecogniseFormat(options.m_File);
 }
 
-/// Is it a file that a simulator loads as it is? An ELF file of the toolchain's machine is imported when the user asks
-/// for that, or gives the address space that it is to be in.
+/// Is it a file that a simulator loads as it is? An ELF file of the toolchain's machine is imported if the user asks
+/// for that, or gives the address space for it.
 bool IsOwn(const COptions& options, eFormat format) {
     const bool namesSpace = options.m_Space && !options.m_NamesMemory;
     return format == eFormat::OBJECT ||
@@ -105,7 +105,7 @@ void RequireNoImportOptions(const COptions& options) {
     }
 }
 
-/// A converted file must say which memory it is for; to look at one, bytes will do.
+/// A conversion must say which memory it is for; to look at a file, bytes will do.
 void RequireMemory(const COptions& options, eFormat format) {
     if (options.m_RequiresMemory && !(options.m_Space && options.m_Width)) {
         throw std::runtime_error("the file (" + std::string(FormatRow(format).m_Title) +

@@ -27,7 +27,7 @@ int SymbolCount(const CObjectFile& image) {
     return count;
 }
 
-/// The organization of all sections; each section has its own when there is none.
+/// The organization that all sections share, if there is one.
 std::vector<CFact> Facts(const CObjectFile& image, const COptions& options) {
     const bool uniform = image.GetMemoryOrganizationIsValid();
     const auto ifUniform = [&](CField field) { return uniform ? std::move(field) : CField(); };

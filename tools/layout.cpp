@@ -18,7 +18,7 @@ bool IsPlaced(const CSection& section, bool withStackAndHeap) {
     return !leftOut && section.GetMemoryByteAddressIsAbsolute() && LauCount(section) > 0;
 }
 
-/// Sorts the sections, finds overlaps and puts in the gaps.
+/// Sorts the sections, finds overlaps and inserts the gaps.
 void Arrange(CSpace& space) {
     std::stable_sort(space.m_Pieces.begin(), space.m_Pieces.end(),
                      [](const CPiece& a, const CPiece& b) { return a.m_First < b.m_First; });
@@ -39,7 +39,7 @@ void Arrange(CSpace& space) {
     space.m_Pieces = std::move(arranged);
 }
 
-/// Gives the pieces their positions. Gaps are shortened to what leaves two thirds of the scale to the sections.
+/// Gives the pieces their positions. Gaps are shortened so that the sections get two thirds of the scale.
 void Scale(CSpace& space) {
     std::uint64_t gaps = 0;
     space.m_InUse = space.m_End - space.First();

@@ -10,12 +10,12 @@
 
 namespace marlune::tool {
 
-/// A range of LAU addresses: those of a section, or of a gap between sections when there is none.
+/// A range of LAU addresses: those of a section, or of a gap between sections if there is none.
 struct CPiece {
     const ObjectFile::CSection* m_Section = nullptr;
     std::uint64_t m_First = 0;
     std::uint64_t m_Count = 0;
-    const ObjectFile::CSection* m_Overlaps = nullptr; // a section before it that it shares addresses with
+    const ObjectFile::CSection* m_Overlaps = nullptr; // an earlier section with which it shares addresses
     std::uint64_t m_Position = 0;                     // on the scale of its space, which shortens gaps
     std::uint64_t m_Length = 0;                       // on that scale
 
@@ -41,7 +41,7 @@ std::vector<CSpace> LayOut(const ObjectFile::CObjectFile& image, bool withStackA
 /// "address space 'ram': 0x0 to 0xfff, 96 of 4096 LAUs in use".
 std::string Heading(const CSpace& space);
 
-/// Where a position of the space's scale lies in a picture of `length` steps.
+/// The place of a position on the space's scale in a picture of `length` steps.
 std::uint64_t Scaled(const CSpace& space, std::uint64_t position, std::uint64_t length);
 
 } // namespace marlune::tool

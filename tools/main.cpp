@@ -1,4 +1,4 @@
-// marlune-image: looks into program image files, checks, converts, dumps and draws them.
+// marlune-image: inspects, checks, converts, dumps and draws program image files.
 #include <array>
 #include <iostream>
 #include <limits>
@@ -44,7 +44,7 @@ std::string FormatsLeftOut() {
     return names.empty() ? "" : "Left out of this build, which lacks the libraries for them: --from " + names;
 }
 
-/// What there is to say about a program of another toolchain; every command takes such a file.
+/// The options for a program of another toolchain, which every command accepts.
 void AddImport(CLI::App& app, COptions& options) {
     constexpr const char* GROUP = "Programs of other toolchains";
     app.add_option("--space", options.m_Space, "address space that the memory loads")->type_name("NAME");
@@ -115,7 +115,7 @@ constexpr std::array<CCommand, 7> COMMANDS{
      {"dump", "the cells of a memory after a load of the image", DUMPED, RunDump, AddDump},
      {"map", "a picture of each address space", LOOKED_AT, RunMap, AddMap}}};
 
-/// A script that asked for JSON gets the reason for a failure as JSON, too.
+/// A script that asked for JSON also gets the reason for a failure as JSON.
 int RunCommand(const CCommand& command, const COptions& options) {
     try {
         return command.m_Run(options);

@@ -24,7 +24,8 @@ constexpr std::size_t USUAL_BAR = 40;  // characters
 constexpr std::size_t SHORTEST_BAR = 10;
 constexpr std::size_t LONGEST_BAR = 160;
 
-/// The columns of the terminal that standard output is, or of the environment, which goes first; none if neither says.
+/// The number of columns: from the environment, or else from the terminal that standard output is; none if neither
+/// says.
 std::optional<std::size_t> TerminalColumns() {
     if (const char* const columns = std::getenv("COLUMNS")) {
         if (const int count = std::atoi(columns); count > 0) {
@@ -72,7 +73,7 @@ CTable Pieces(const CSpace& space, std::size_t barLength) {
     return table;
 }
 
-/// The bar with which the table is as wide as the terminal, if that is possible.
+/// The length of the bar with which the table is as wide as the terminal, if that is possible.
 std::size_t BarLength(const CSpace& space) {
     const auto columns = TerminalColumns();
     if (!columns) {

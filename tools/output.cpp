@@ -1,4 +1,4 @@
-// Replaces files whole or not at all.
+// Replaces files as a whole or not at all.
 #include "tools/output.h"
 
 #include <atomic>
@@ -22,8 +22,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The permissions of a file that is replaced, or those of an ordinary new one. What runs with another user's rights is
-/// for that user to set up, so these bits stay behind.
+/// The permissions of a file that is replaced, or those of an ordinary new one. The bits that give another user's
+/// rights are dropped: setting those up is for that user.
 mode_t Permissions(const std::string& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) == 0) {
@@ -37,9 +37,8 @@ mode_t Permissions(const std::string& path) {
 /// The path of the temporary file, for a signal handler, or null.
 std::atomic<const char*> g_TemporaryPath{nullptr};
 
-/// Removes the temporary file. The signal comes a second time when this returns, and ends the process. Its default
-/// action is not back before the file is gone: the system may end a process at once, without this, when a signal comes
-/// twice.
+/// Removes the temporary file, then raises the signal again, which ends the process. The signal's default action is
+/// restored only after the file is gone: otherwise a second signal could end the process before that.
 void RemoveTemporaryFile(int signal) {
     if (const char* const path = g_TemporaryPath.load()) {
         unlink(path);
@@ -58,7 +57,7 @@ sigset_t EndingSignals() {
     return signals;
 }
 
-/// From now on a signal that ends the process removes the temporary file; what is ignored stays ignored.
+/// From now on a signal that ends the process removes the temporary file. Ignored signals stay ignored.
 void CatchEndingSignals() {
     const sigset_t signals = EndingSignals();
     for (int signal = 1; signal < NSIG; ++signal) {
@@ -73,7 +72,7 @@ void CatchEndingSignals() {
     std::signal(SIGXFSZ, SIG_IGN); // a write beyond a limit fails like one to a full disk
 }
 
-/// A file beside the target that is removed again unless it has taken the target's place, whatever ends the process.
+/// A file beside the target. Unless it has taken the target's place it is removed again, whatever ends the process.
 class CTemporaryFile {
 public:
     explicit CTemporaryFile(std::string target) : m_Target(std::move(target)), m_Path(m_Target + ".XXXXXX") {

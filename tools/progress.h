@@ -10,14 +10,14 @@
 
 namespace marlune::tool {
 
-/// While it lives, a line on standard error says how far a long piece of work has come, if that is a terminal. Work
+/// While it exists, a line on standard error shows how far a long piece of work has come, if that is a terminal. Work
 /// that takes less than half a second shows nothing.
 class CProgress {
 public:
     enum eDirection { READING, WRITING };
 
-    /// The work ends when this process has read or written `totalBytes` more; 0 when that is not known. `what` names
-    /// the work. The bytes are those that the system counts for the process, so no reader or writer has to report.
+    /// The work ends when this process has read or written `totalBytes` more; 0 if that is not known. `what` names the
+    /// work. The system counts the bytes for the process, so no reader or writer has to report them.
     CProgress(const std::string& what, eDirection direction, std::uint64_t totalBytes);
     CProgress(const CProgress&) = delete;
     CProgress& operator=(const CProgress&) = delete;

@@ -9,8 +9,8 @@
 namespace marlune::tool {
 namespace {
 
-constexpr std::size_t MAX_COLUMN = 60;  // characters; a longer field sticks out of its column
-constexpr std::size_t MAX_FIELD = 1000; // and one beyond that is cut
+constexpr std::size_t MAX_COLUMN = 60;  // characters; a longer field overflows its column
+constexpr std::size_t MAX_FIELD = 1000; // characters; a longer field is cut
 
 struct CToText {
     std::string operator()(std::monostate /*nothing*/) const { return "-"; }

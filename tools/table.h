@@ -19,7 +19,7 @@ struct CHex {
     std::uint64_t m_Value;
 };
 
-/// One field. Nothing and an empty text print as "-"; nothing is null in JSON.
+/// One field. std::monostate and an empty text print as "-"; in JSON std::monostate is null.
 using CField = std::variant<std::monostate, std::string, std::uint64_t, std::int64_t, CHex, bool>;
 
 /// One property of a whole file.
@@ -48,8 +48,8 @@ public:
     void AddRow(std::vector<CField> fields) { m_Rows.push_back(std::move(fields)); }
     bool IsEmpty() const { return m_Rows.empty(); }
 
-    /// Aligned columns under their titles; nothing at all when there are no rows. One long field does not widen all
-    /// rows, and a very long one is cut.
+    /// Aligned columns under their titles; nothing at all if there are no rows. One long field does not widen all rows,
+    /// and a very long one is cut.
     void Print(std::ostream& out) const;
     /// An array with an object for each row.
     CJson Json() const;
@@ -59,7 +59,7 @@ private:
     std::vector<std::vector<CField>> m_Rows;
 };
 
-/// Writes the document on standard output; bytes that are no UTF-8 become replacement characters.
+/// Writes the document to standard output. Bytes that are not UTF-8 become replacement characters.
 void PrintJson(const CJson& document);
 
 } // namespace marlune::tool

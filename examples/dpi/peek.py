@@ -1,5 +1,5 @@
-"""Loads an image into a memory of 1024 bytes and prints the first one. No simulator takes part. In the process of one, the
-memories of its design are there instead.
+"""Loads an image into a memory of 1024 bytes and prints the first one, without a simulator. In a simulator's process one
+would use the memories of its design instead.
 
 usage: LD_LIBRARY_PATH=$LIB python3 peek.py IMAGE SPACE
 """

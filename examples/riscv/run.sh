@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Assembles the program, converts it to images, and runs the processor in Verilator (by direct calls) and in Icarus
-# Verilog (through the bridge), in each once with memories that the test bench loads and once from the command line.
+# Assembles the program, converts it to images, and runs the processor in Verilator (direct calls) and in Icarus Verilog
+# (the bridge): each once with memories that the test bench loads, and once with memories loaded from the command line.
 #
 # usage: run.sh BUILD-FOLDER [verilator | icarus]... [--native] [--into FOLDER] [+ARGUMENT]...
 #
@@ -11,7 +11,7 @@
 #                 --native these names end in -native
 #   +ARGUMENT     for the simulation: those of processor_tb.sv, and the library's
 #
-# Without an assembler for RISC-V, or an image tool that reads its programs, the images beside this file are run.
+# Without a RISC-V assembler, or an image tool that reads its programs, it runs the images beside this file.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
@@ -47,7 +47,7 @@ work=$(cd "$work" && pwd)
 tool=$build/marlune-image
 [[ -x $tool ]] || tool=$(command -v marlune-image) || tool=''
 
-# Runs a function in the folder of the results. What it prints is worth showing only when it fails.
+# Runs a function in the folder of the results. Its output is shown only if it fails.
 quietly() {
     local status
     set +e
@@ -57,7 +57,7 @@ quietly() {
     ((status == 0)) || { cat "$work/build.log" >&2; exit 1; }
 }
 
-# What is not there to make images with.
+# The first tool that is missing to make images.
 missing_tool() {
     if ! command -v riscv64-unknown-elf-ld > /dev/null; then
         echo "riscv64-unknown-elf-ld (Debian's binutils-riscv64-unknown-elf)"
@@ -66,8 +66,8 @@ missing_tool() {
     fi
 }
 
-# The program in the words of its memory, and in the bytes of the banks. Both hold all of it: a load leaves out what
-# lies below its base or beyond the memory.
+# The program in the words of its memory, and in the bytes of the banks. Both hold all of it: a load skips sections below
+# its base or beyond the memory.
 make_images() {
     local riscv=riscv64-unknown-elf
     $riscv-as -march=rv32i -mabi=ilp32 "$here/program.s" -o program.o
@@ -82,7 +82,7 @@ make_readmemh_files() {
     "$tool" dump data.vexon --space data --width 8 --low 0x10000 --size 16384 --format readmemh -o data.mem
 }
 
-# Verilator and make refuse blanks and the like in paths: links take their place, in a folder in /tmp where needed.
+# Verilator and make refuse blanks and the like in paths, so links stand in for them, in a folder in /tmp if needed.
 build_verilator() {
     local memories=(source/hdl/marlune_dpi.sv source/hdl/marlune_memory.sv
         -LDFLAGS "-Llib -lmarlune_direct -lmarlune_fli_memory")
@@ -124,12 +124,11 @@ measured() {
     echo "  $((cycles * 1000000 / microseconds)) cycles a second, the simulator's start included"
 }
 
-
 missing=$(missing_tool)
 if [[ -z $missing ]]; then
     quietly make_images
 else
-    echo "  no $missing: running the images that lie beside the source"
+    echo "  no $missing: running the images beside the source"
     cp "$here/program.vexon" "$here/data.vexon" "$work"
 fi
 extension=vexon

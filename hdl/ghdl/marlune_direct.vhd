@@ -1,4 +1,4 @@
--- What marlune_memory.vhd in this folder, and each copy of it, calls. For GHDL, which calls the library directly.
+-- What marlune_memory.vhd in this folder and its copies call, for GHDL, which calls the library directly.
 
 library ieee;
 use ieee.std_logic_1164.all;
@@ -6,8 +6,8 @@ use ieee.std_logic_1164.all;
 package marlune_direct is
 
   -- Elaborates a memory; an error ends the simulation. Ports are given as "name:length" for a vector and "name" for a
-  -- std_logic, separated by blanks. Those whose names end in Q0 are outputs. The second form makes empty parameters of
-  -- the three numbers.
+  -- std_logic, separated by blanks. Those whose names end in Q0 are outputs. If `parameters` is empty, the second form
+  -- derives them from the three numbers.
   impure function open_memory(clock_path, parameters, ports : string) return integer;
   impure function open_memory(clock_path, parameters : string; mode, data_bits, address_bits : natural; ports : string)
     return integer;

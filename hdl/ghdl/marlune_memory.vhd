@@ -5,7 +5,7 @@
 --   LD_LIBRARY_PATH=$LIB ghdl -r --std=08 my_tb
 --
 -- For other ports copy this file, and change the entity's name, its ports, and the process: the ports' names and
--- lengths, and the inputs in the same order. RE0 must be there, but no event on it matters. The rules of port names are
+-- lengths, and the inputs in the same order. RE0 is required, but no event on it matters. The rules of port names are
 -- in ../marlune_memory.vhd.
 
 library ieee;

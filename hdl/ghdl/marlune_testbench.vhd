@@ -1,8 +1,9 @@
--- Direct access of a test bench to the memories, past their ports and in no time, for GHDL: load program images, read
--- and write cells. It reaches directly served memories, and those behind a foreign architecture that run through VPI.
+-- A test bench's backdoor to the memories, for GHDL: it loads program images, and reads and writes cells, without the
+-- ports and in zero time. It reaches directly served memories, and those with a foreign architecture that run through
+-- VPI.
 --
 -- A memory is found by the path of its instance, written as "my_tb.u0", as "/my_tb/u0", or as 'path_name gives it, in
--- upper or lower case. The index of a generate statement stands in brackets: "my_tb.banks(2).bank".
+-- upper or lower case. The index of a generate statement is in brackets: "my_tb.banks(2).bank".
 --
 -- Addresses count cells. A cell holds one LAU (least addressable unit) of an image, as many bits as the second of the
 -- memory's parameters says. The overloads with unsigned are for addresses from 2**31 on.
@@ -16,18 +17,18 @@ use ieee.numeric_std.all;
 
 package marlune_testbench is
 
-  -- Loads an address space of an image, the LAU at address `base` into cell 0. LAUs below base are left out, and cells
+  -- Loads an address space of an image, the LAU at address `base` into cell 0. LAUs below `base` are skipped, and cells
   -- that get no LAU keep their contents. A file is read once, however many memories are filled from it.
   procedure load_image(path, file_name, address_space : string; base : natural := 0);
   procedure load_image(path, file_name, address_space : string; base : unsigned);
 
-  -- Loads one bank of a memory that is interleaved LAU by LAU: the LAUs at base + bank, base + bank + banks, and so on
-  -- into cells 0, 1, and so on.
+  -- Loads one bank of a memory that is interleaved LAU by LAU: the LAUs at `base` + `bank`, `base` + `bank` + `banks`,
+  -- and so on into cells 0, 1, and so on.
   procedure load_bank(path, file_name, address_space : string; bank, banks : natural; base : natural := 0);
   procedure load_bank(path, file_name, address_space : string; bank, banks : natural; base : unsigned);
 
-  -- Stores the low bits of the value into a cell. Elements other than '1' become 0. A write that a port has recorded
-  -- comes later, at the next edge.
+  -- Stores the low bits of the value into a cell. Elements other than '1' become 0. A write that a port has already
+  -- recorded follows at the next edge.
   procedure poke(path : string; address : natural; value : std_logic_vector);
   procedure poke(path : string; address : unsigned; value : std_logic_vector);
 

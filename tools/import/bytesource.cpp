@@ -1,4 +1,4 @@
-// Bytes out of a file, a part at a time.
+// Reads bytes from a file, a part at a time.
 #include "tools/import/bytesource.h"
 
 #include <algorithm>

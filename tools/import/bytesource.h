@@ -1,4 +1,4 @@
-// Where the contents of a program are until they become sections: in its file, or in memory.
+// The contents of a program, in its file or in memory, until they become sections.
 #ifndef MARLUNE_TOOLS_IMPORT_BYTESOURCE_H
 #define MARLUNE_TOOLS_IMPORT_BYTESOURCE_H
 
@@ -21,14 +21,14 @@ public:
     CByteSource& operator=(CByteSource&&) = delete;
     virtual ~CByteSource() = default;
 
-    /// Stores `count` bytes from `offset` on, all of which exist. Throws std::runtime_error when they cannot be read.
+    /// Stores `count` bytes from `offset` on, all of which exist. Throws std::runtime_error if they cannot be read.
     virtual void Read(std::uint64_t offset, char* to, std::size_t count) const = 0;
 };
 
 /// An open file.
 class CFileSource : public CByteSource {
 public:
-    /// Throws std::runtime_error when the file cannot be opened.
+    /// Throws std::runtime_error if the file cannot be opened.
     explicit CFileSource(const std::string& path);
     CFileSource(const CFileSource&) = delete;
     CFileSource& operator=(const CFileSource&) = delete;

@@ -15,19 +15,19 @@ namespace {
 using ObjectFile::CSection;
 using ObjectFile::CSymbol;
 
-constexpr std::size_t MOST_SECTIONS = 1000000; // that segments of a hostile file may share out
+constexpr std::size_t MOST_SECTIONS = 1000000; // into which the segments of a hostile file may be divided
 
 struct CElfCloser {
     void operator()(Elf* elf) const { elf_end(elf); }
 };
 
-/// What the calls of the library give for an error, for instance a table that the file does not hold.
+/// Throws the library's error, for instance for a table that is not in the file.
 [[noreturn]] void ThrowElfError() {
     const char* const text = elf_errmsg(-1);
     throw std::runtime_error(std::string("damaged ELF file: ") + (text != nullptr ? text : "unknown error"));
 }
 
-/// A name out of a file as the text form of an image can hold it, in one line.
+/// A name from a file in the form that the text form of an image can hold: one line.
 std::string NameOf(const char* name) {
     std::string text = name != nullptr ? name : "";
     std::replace(text.begin(), text.end(), '\n', ' ');
@@ -165,7 +165,7 @@ private:
         });
     }
 
-    /// The bytes of the segment that are in the file, by the sections in them.
+    /// Adds the bytes of the segment that are in the file, divided into the sections in them.
     void AddFilePart(const CSegment& segment) {
         const GElf_Phdr& header = segment.m_Header;
         m_Program.m_Extents.push_back({segment.m_Address, header.p_filesz, header.p_offset});
@@ -197,7 +197,7 @@ private:
         return sections;
     }
 
-    /// The zeros after the bytes in the file.
+    /// Adds the zeros after the bytes in the file.
     void AddZeroPart(const CSegment& segment) {
         const GElf_Phdr& header = segment.m_Header;
         std::uint64_t known = header.p_filesz; // offset in the segment
@@ -224,7 +224,7 @@ private:
         m_LoadedSections[section.m_Index] = &section;
     }
 
-    /// A range of offsets in the segment that no section covers.
+    /// Adds a range of offsets in the segment that no section covers.
     void AddNameless(const CSegment& segment, std::uint64_t begin, std::uint64_t end, bool isZero) {
         if (begin >= end) {
             return;
@@ -299,7 +299,7 @@ private:
         }
     }
 
-    /// Marks that compilers set for tools: where code and data alternate, and targets of jumps without a name.
+    /// Symbols that compilers make for tools: changes between code and data, and unnamed jump targets.
     static bool IsMark(const std::string& name) { return name.front() == '$' || name.compare(0, 2, ".L") == 0; }
 
     static CSymbol::eType ScopeOf(unsigned char binding) {

@@ -39,7 +39,7 @@ bool BeginsWith(std::string_view text, std::string_view beginning) {
     return text.substr(0, beginning.size()) == beginning;
 }
 
-/// Does a line of the text begin with the character and then at least so many hexadecimal digits?
+/// Does a line of the text begin with the character and then at least `digits` hexadecimal digits?
 bool HasRecord(std::string_view text, char begin, std::size_t digits) {
     for (std::size_t line = 0; line < text.size(); line = std::min(text.find('\n', line), text.size() - 1) + 1) {
         const std::size_t end = std::min(text.find_first_not_of(HEX_DIGITS, line + 1), text.size());

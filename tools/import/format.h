@@ -1,4 +1,4 @@
-// Which formats programs come in, and how a file shows its own.
+// The formats of programs, and how a file's own is recognised.
 #ifndef MARLUNE_TOOLS_IMPORT_FORMAT_H
 #define MARLUNE_TOOLS_IMPORT_FORMAT_H
 
@@ -15,20 +15,20 @@ struct CFormat {
     eFormat m_Format;
     const char* m_Name;    // on the command line
     const char* m_Title;   // for people
-    CReader* m_Read;       // null where this build leaves it out
+    CReader* m_Read;       // null if this build leaves it out
     const char* m_Library; // what such a build lacks
 };
 
-/// All of them, those left out too.
+/// All of them, including those left out of this build.
 const std::vector<CFormat>& Formats();
 /// Not for eFormat::OBJECT.
 const CFormat& FormatRow(eFormat format);
 /// "elf, ihex", of those in this build (or of those left out of it).
 std::string FormatNames(bool available);
 
-/// The format of a file by its contents. Throws std::runtime_error, with all formats, when they fit none or two.
+/// The format of a file by its contents. Throws std::runtime_error, which lists all formats, if they fit none or two.
 eFormat RecogniseFormat(const std::string& path);
-/// The machine number in an ELF file's header, 0 when it has none.
+/// The machine number in an ELF file's header, 0 if it has none.
 unsigned ElfMachine(const std::string& path);
 
 } // namespace marlune::tool

@@ -12,7 +12,7 @@
 #include <srecord/input/file/motorola.h>
 #else
 namespace srecord {
-/// The library has this class, but not every package of its headers does. This is all that is used of it.
+/// The library has this class, but some packages leave its header out. Only this function is used.
 class input_file_motorola {
 public:
     static input_file::pointer create(const std::string& path);
@@ -26,12 +26,13 @@ public:
 namespace marlune::tool {
 namespace {
 
-// Warnings of the library that are not passed on: of a file that lacks what it does not need, and of lost contents.
+// Warnings of the library that are not passed on: about records that are missing but not needed, and about lost
+// contents.
 const std::string NO_HEADER = "warning: no header record";
 const std::string IGNORED_LINE = "warning: ignoring garbage lines";
 const std::string WARNING = "warning: ";
 
-/// Takes the library's messages, "path: line: warning: text", and its wish to end the process.
+/// Receives the library's messages, "path: line: warning: text", and its calls to end the process.
 class CMessages : public srecord::quit {
 public:
     CMessages(std::string path, const CWarn& warn) : m_Prefix(std::move(path) + ": "), m_Warn(warn) {}
@@ -63,7 +64,7 @@ private:
     std::string m_Text; // of the last message
 };
 
-/// Reads all records by way of the library, whose reader `create` makes.
+/// Reads all records with a reader of the library, which `create` makes.
 void ReadRecords(const std::string& path, srecord::input_file::pointer (*create)(const std::string& path),
                  CProgram& program, const CWarn& warn) {
     const std::string file = path == "-" ? "./-" : path; // "-" alone is standard input for the library
@@ -83,7 +84,7 @@ void ReadRecords(const std::string& path, srecord::input_file::pointer (*create)
     program.m_Source = std::move(pool);
 }
 
-/// The library stops at the end record, but a file that was put together from others goes on.
+/// The library stops at the end record, but a file that was concatenated from others continues.
 void RequireNothingAfterEnd(const std::string& path) {
     std::ifstream file(path);
     bool hasEnded = false;

@@ -58,7 +58,7 @@ public:
 
 private:
     std::uint64_t Base() const { return m_FileBase * m_Program.m_WordBytes; }
-    /// Without names, runs of LAUs are what counts, not the runs of bytes that they are made of.
+    /// Sections without names are runs of LAUs, not the runs of bytes that form them.
     bool HasNames() const { return !m_Program.m_Sections.front().m_Name.empty(); }
 
     void RequireAddresses(const CProgramSection& section) const {
@@ -95,7 +95,7 @@ private:
         }
     }
 
-    /// LAUs of which the program gives some bytes, but not all.
+    /// Counts the LAUs of which the program gives some bytes, but not all.
     void TellFilledBytes() const {
         std::uint64_t filled = 0;
         std::uint64_t first = 0;
@@ -202,7 +202,7 @@ private:
         }
     }
 
-    /// False when there is one of that name already.
+    /// False if there is one of that name already.
     bool AddSymbol(const CProgramSymbol& source) {
         ObjectFile::CSymbolTable& table =
             m_Image->SymbolTablesCount() > 0 ? *m_Image->GetSymbolTable(0) : *m_Image->CreateSymbolTable();

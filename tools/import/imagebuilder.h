@@ -1,4 +1,4 @@
-// From a program's bytes to the LAUs of an image.
+// Builds the LAUs of an image from a program's bytes.
 #ifndef MARLUNE_TOOLS_IMPORT_IMAGEBUILDER_H
 #define MARLUNE_TOOLS_IMPORT_IMAGEBUILDER_H
 
@@ -15,8 +15,8 @@ namespace marlune::tool {
 /// flips the bits of a little-endian section, so the cells hold the numbers that a processor of that byte order reads.
 ///
 /// A LAU in which two sections meet belongs to the first of them, or to the one that is not all zeros. Bytes of a LAU
-/// that the program does not give are 0, and `warn` says so. The program is arranged. Throws std::runtime_error when
-/// sections overlap or their LAUs need more than 32 bits.
+/// that the program does not give are 0, and `warn` is told so. Arranges the program. Throws std::runtime_error if
+/// sections overlap or LAU addresses need more than 32 bits.
 std::unique_ptr<ObjectFile::CObjectFile> BuildImage(CProgram& program, const CImportOptions& options,
                                                     const CWarn& warn);
 

@@ -1,4 +1,4 @@
-// From a file of any format to an image.
+// Makes an image from a file of any format.
 #include "tools/import/importer.h"
 
 #include <stdexcept>

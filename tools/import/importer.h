@@ -1,4 +1,4 @@
-// From the file of another toolchain to an image: the readers and the builder as one call.
+// Makes an image from the file of another toolchain: the readers and the builder in one call.
 #ifndef MARLUNE_TOOLS_IMPORT_IMPORTER_H
 #define MARLUNE_TOOLS_IMPORT_IMPORTER_H
 
@@ -10,8 +10,8 @@
 
 namespace marlune::tool {
 
-/// Reads a program of the format, which is not OBJECT, and makes an image of it. Throws CReadError for a line of a text
-/// format and std::runtime_error for anything else that keeps it from being an image.
+/// Reads a program of the format, which is not OBJECT, and makes an image of it. Throws CReadError for an error in a
+/// line of a text format and std::runtime_error for any other error.
 std::unique_ptr<ObjectFile::CObjectFile> ImportProgram(const std::string& path, eFormat format,
                                                        const CImportOptions& options, const CWarn& warn);
 

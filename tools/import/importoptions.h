@@ -11,10 +11,10 @@
 
 namespace marlune::tool {
 
-/// The formats of programs. What is not an OBJECT is imported, except for ELF files of the toolchain's own.
+/// The formats of programs. All but OBJECT are imported, except for ELF files of our own toolchain.
 enum class eFormat { OBJECT, ELF, IHEX, SREC, READMEMH, BINARY };
 
-/// Addresses are those of the file: of bytes, or of words in $readmemh text.
+/// Addresses are those of the file: they count bytes, or words in $readmemh text.
 struct CImportOptions {
     std::optional<eFormat> m_Format;               // recognised by content if not given
     std::optional<std::string> m_Space;            // address space that the memory loads
@@ -24,12 +24,12 @@ struct CImportOptions {
     std::optional<std::uint64_t> m_Entry;          // entry point; the file's own if not given
 };
 
-/// The bits of a LAU: without a width those of a byte, so that addresses are those of the file.
+/// The bits of a LAU. Without a width it is a byte, so that addresses are those of the file.
 inline std::uint32_t LauBits(const CImportOptions& options) {
     return options.m_Width.value_or(8);
 }
 
-/// Takes what a user should know of a program that can be used all the same, a sentence without the file's name.
+/// Receives warnings about a program that can be used nevertheless: a sentence without the file's name.
 using CWarn = std::function<void(const std::string& text)>;
 
 } // namespace marlune::tool

@@ -10,7 +10,7 @@
 namespace marlune::tool {
 namespace {
 
-/// Addresses end some LAUs before they wrap, so that a section can be extended to whole LAUs.
+/// The highest address allowed, some LAUs below the wrap-around, so that a section can be extended to whole LAUs.
 constexpr std::uint64_t HIGHEST_END = std::numeric_limits<std::uint64_t>::max() - 4096;
 
 } // namespace

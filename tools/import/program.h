@@ -23,7 +23,7 @@ struct CExtent {
     std::uint64_t m_Offset; // in the source
 };
 
-/// A part of a program that the file gives a name, or a run of its bytes without one.
+/// A part of a program that has a name in the file, or a run of its bytes without a name.
 struct CProgramSection {
     std::string m_Name;
     ObjectFile::CSection::eType m_Type; // text, data, or bss for zeros
@@ -48,20 +48,20 @@ struct CProgramSymbol {
 class CProgram {
 public:
     std::unique_ptr<CByteSource> m_Source;
-    std::vector<CExtent> m_Extents;          // what is in no extent is zero
-    std::vector<CProgramSection> m_Sections; // by which the extents are known; none in formats without names
+    std::vector<CExtent> m_Extents;          // bytes outside all extents are zero
+    std::vector<CProgramSection> m_Sections; // none in formats without names
     std::vector<CProgramSymbol> m_Symbols;
     std::optional<std::uint64_t> m_Entry;
     ObjectFile::eByteOrder m_Order = ObjectFile::BO_LITTLE;
-    unsigned m_WordBytes = 1; // by which addresses in the file were multiplied: a word of $readmemh text
+    unsigned m_WordBytes = 1; // the factor for addresses in the file: the bytes of a word of $readmemh text
 
     /// Appends bytes to the source, which is a CBytePool, and to the last extent when they follow it.
     void Add(CBytePool& pool, std::uint64_t address, std::string_view bytes);
 
-    /// Sorts extents and sections by address and drops empty extents; without sections, each extent becomes one that
-    /// has no name. Zeros that overlap another section are left out, with a warning: where a program is loaded is not
-    /// where its zeros will be if it copies itself. Throws std::runtime_error when other sections overlap, when there
-    /// are none, or when addresses need more than 64 bits.
+    /// Sorts extents and sections by address and drops empty extents; without sections, each extent becomes one without
+    /// a name. Zeros that overlap another section are left out, with a warning: a program that copies itself elsewhere
+    /// has its zeros there. Throws std::runtime_error if other sections overlap, if there are none, or if addresses
+    /// need more than 64 bits.
     void Arrange(const CWarn& warn);
     /// Stores the bytes from the address on, after Arrange.
     void Read(std::uint64_t address, char* to, std::size_t count) const;

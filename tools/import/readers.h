@@ -1,5 +1,5 @@
-// The readers of program files, a function for each format. Each fills a program that is not yet arranged, and throws
-// CReadError, or std::runtime_error where no line can be named.
+// The readers of program files, a function for each format. Each fills a program that is not yet arranged. It throws
+// CReadError, or std::runtime_error if no line is to blame.
 #ifndef MARLUNE_TOOLS_IMPORT_READERS_H
 #define MARLUNE_TOOLS_IMPORT_READERS_H
 

@@ -8,7 +8,7 @@ namespace marlune::tool {
 namespace {
 
 constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 18;
-constexpr unsigned MOST_ADDRESS_DIGITS = 12; // far more than a memory has, and products with the bytes of a word fit
+constexpr unsigned MOST_ADDRESS_DIGITS = 12; // more than any memory needs, and times the bytes of a word it still fits
 constexpr int END = -1;
 
 bool IsBlank(int character) {
@@ -34,7 +34,7 @@ class CCharacters {
 public:
     explicit CCharacters(const std::string& path) : m_File(path), m_Buffer(BUFFER_SIZE) {}
 
-    /// The character after those that were taken, or END.
+    /// The next character, which stays unread, or END.
     int Peek() {
         if (m_Position == m_End && m_Offset < m_File.Size()) {
             m_End = static_cast<std::size_t>(std::min<std::uint64_t>(BUFFER_SIZE, m_File.Size() - m_Offset));
