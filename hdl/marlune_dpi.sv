@@ -14,9 +14,9 @@ package marlune_dpi;
 
   // ---- The library's functions ----
 
-  // Loads the sections of an address space. The memory's name is that of its instance with a suffix ".RAM" (or
-  // "_RAM"), which is removed again: the last "RAM" of the name, the character before it and all that follows are dropped. A name
-  // without "RAM" is used as a whole. Its separators may be of any kind, because they become "_".
+  // Loads the sections of an address space. The memory's name is that of its instance with a suffix ".RAM" (or "_RAM"),
+  // which is removed again: the last "RAM" of the name, the character before it and all that follows are dropped. A
+  // name without "RAM" is used as a whole. Its separators may be of any kind, because they become "_".
   //
   // The LAUs at low_address + phase, then every stride-th, up to high_address (inclusive) go to the cells from
   // cell_base / stride on. All five count LAUs. Cells that get no LAU keep their contents. A file is read once, however

@@ -3,8 +3,8 @@
 //   vvp -M$LIB -mmarlune_fli my_tb.vvp
 //
 // For an FLI simulator use the VHDL entity instead, and for a simulator with DPI marlune_memory.sv. For other ports
-// copy this file, and change the module's name and its ports. marlune_memory.vhd has the rules of port names. Outputs are of
-// type reg, because Icarus folds an undriven net into a constant. The library reads the ports and drives Q0.
+// copy this file, and change the module's name and its ports. marlune_memory.vhd has the rules of port names. Outputs
+// are of type reg, because Icarus folds an undriven net into a constant. The library reads the ports and drives Q0.
 module marlune_memory #(
     parameter ADDRESS_BITS = 10,
     parameter DATA_BITS = 32,
