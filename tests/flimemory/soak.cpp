@@ -66,11 +66,12 @@ private:
         } else if (choice < 500) {
             Access();
         } else {
-            Pick().Clock();
+            CTestedMemory& memory = *m_Memories[m_Random() % m_Memories.size()];
+            memory.Step();
+            memory.Step();
+            memory.Step();
         }
     }
-
-    CTestedMemory& Pick() { return *m_Memories[m_Random() % m_Memories.size()]; }
 
     void Elaborate() {
         const CShape shapes[] = {{false, 8, 1000, 32, 10},
