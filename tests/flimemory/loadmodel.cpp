@@ -2,12 +2,14 @@
 #include "tests/flimemory/loadmodel.h"
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
 
 #include "src/flimemory/loadmemory.h"
 #include "src/flimemory/storage.h"
 
 using marlune::foreign::fli::CStorage;
+using ObjectFile::CMemoryOrganization;
 using ObjectFile::CObjectFile;
 using ObjectFile::CSection;
 
@@ -60,20 +62,25 @@ void Take(const CSection& section, const CWindow& window, std::uint64_t limit, b
 
 } // namespace
 
-CSection& AddSection(CObjectFile& file, unsigned long long address, const std::string& bits, int wordBitSize,
-                     int bytesPerWord, ObjectFile::eByteOrder order, CSection::eType type, const std::string& name) {
-    CSection& section = *file.CreateSection(type, name, CObjectFile(wordBitSize, bytesPerWord, order, "ram"));
+CSection& AddSection(CObjectFile& file, unsigned long long address, const CMemoryOrganization& organization,
+                     CSection::eType type, const std::string& name) {
+    CSection& section = *file.CreateSection(type, name, organization);
     section.SetMemoryByteAddress(address);
     section.SetMemoryByteAddressIsAbsolute(true);
-    section.AddData(bits.c_str());
     return section;
 }
 
 void AddRandomSections(CObjectFile& file, std::mt19937& random, int wordBitSize, int bytesPerWord) {
+    constexpr CSection::eType TYPES[] = {CSection::TYPE_DATA, CSection::TYPE_TEXT, CSection::TYPE_DEBUG,
+                                         CSection::TYPE_INFO};
+    const char* const names[] = {".data", ".stack", ".heap", ".text"};
+    const char* const spaces[] = {"ram", "ra", "rom", ""};
+    const auto pick = [&](auto& list) { return list[random() % 3 == 0 ? random() % std::size(list) : 0]; };
     const auto width = static_cast<std::size_t>(wordBitSize / bytesPerWord);
     for (auto sections = random() % 3; sections > 0; --sections) {
         const auto order = random() % 2 == 0 ? ObjectFile::BO_BIG : ObjectFile::BO_LITTLE;
-        CSection& section = AddSection(file, NearAPlace(random, 60), "", wordBitSize, bytesPerWord, order);
+        CSection& section = AddSection(file, NearAPlace(random, 60), {wordBitSize, bytesPerWord, order, pick(spaces)},
+                                       pick(TYPES), pick(names));
         ObjectFile::CSectionData& data = *section.CreateSectionData();
         data.FillZero(static_cast<int>(random() % 80));
         for (int i = random() % 5 == 0 ? data.GetByteCount() : 0; i < data.GetByteCount(); ++i) {
@@ -94,11 +101,11 @@ CWindow RandomWindow(std::mt19937& random) {
 
 std::map<std::uint64_t, std::string> ExpectedCells(const CObjectFile& file, const CWindow& window, std::uint64_t size) {
     const std::size_t width = file.SectionsCount() == 0 ? 0 : WidthOf(*file.GetSection(0));
-    return ExpectedLoad(file, "ram", window, width, size).m_Cells;
+    return ExpectedLoad(file, "ram", window, width, size, false).m_Cells;
 }
 
 CExpectedLoad ExpectedLoad(const CObjectFile& file, const std::string& space, const CWindow& window, std::size_t width,
-                           std::uint64_t size) {
+                           std::uint64_t size, bool includeStackHeap) {
     CExpectedLoad load;
     const std::uint64_t range = window.m_High > window.m_Low ? window.m_High - std::uint64_t{window.m_Low}
                                                              : window.m_Low - std::uint64_t{window.m_High};
@@ -106,9 +113,10 @@ CExpectedLoad ExpectedLoad(const CObjectFile& file, const std::string& space, co
     try {
         for (int s = 0; s < file.SectionsCount(); ++s) {
             const CSection& section = *file.GetSection(s);
+            const bool isStackOrHeap = section.GetName() == ".stack" || section.GetName() == ".heap";
             const bool isWanted = section.GetType() != CSection::TYPE_DEBUG &&
-                                  section.GetType() != CSection::TYPE_INFO && section.GetName() != ".stack" &&
-                                  section.GetName() != ".heap" && section.GetAddressSpaceName() == space;
+                                  section.GetType() != CSection::TYPE_INFO && (includeStackHeap || !isStackOrHeap) &&
+                                  section.GetAddressSpaceName() == space;
             if (isWanted && !section.GetMemoryByteAddressIsAbsolute()) {
                 return {load.m_Cells, "General error: Loaded file does not contain absolute sections."};
             }
@@ -130,6 +138,7 @@ std::string CheckLoad(const CObjectFile& file, std::mt19937& random) {
     const CSection& section =
         *file.GetSection(static_cast<int>(random() % static_cast<unsigned>(file.SectionsCount())));
     const auto width = std::min<std::size_t>(WidthOf(section) + (random() % 20 == 0 ? 1 : 0), MAX_WIDTH);
+    const bool includeStackHeap = random() % 4 == 0;
     const auto size = random() % 3 == 0 ? CStorage::SPARSE_SIZE : static_cast<unsigned>(random() % CELLS);
     CWindow window = RandomWindow(random);
     if (random() % 3 > 0) {
@@ -143,7 +152,7 @@ std::string CheckLoad(const CObjectFile& file, std::mt19937& random) {
     }
     try {
         marlune::foreign::LoadMemory(storage, file, section.GetAddressSpaceName(), window.m_CellBase, window.m_Low,
-                                     window.m_High, window.m_Phase, window.m_Stride, false);
+                                     window.m_High, window.m_Phase, window.m_Stride, includeStackHeap);
     } catch (const std::exception& thrown) {
         error = thrown.what();
     }
@@ -152,7 +161,7 @@ std::string CheckLoad(const CObjectFile& file, std::mt19937& random) {
             return ""; // too long for the model
         }
     }
-    CExpectedLoad expected = ExpectedLoad(file, section.GetAddressSpaceName(), window, width, size);
+    CExpectedLoad expected = ExpectedLoad(file, section.GetAddressSpaceName(), window, width, size, includeStackHeap);
     if (error.empty() != expected.m_Error.empty() || error.rfind(expected.m_Error, 0) != 0) {
         return "a load ends in '" + error + "', not in '" + expected.m_Error + "'";
     }

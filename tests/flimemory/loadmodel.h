@@ -10,9 +10,9 @@
 #include "objectfile/objectfile.h"
 #include "objectfile/section.h"
 
-/// Appends an absolute section of the address space "ram" with these bits.
-ObjectFile::CSection& AddSection(ObjectFile::CObjectFile& file, unsigned long long address, const std::string& bits,
-                                 int wordBitSize, int bytesPerWord, ObjectFile::eByteOrder order = ObjectFile::BO_BIG,
+/// Appends an absolute section.
+ObjectFile::CSection& AddSection(ObjectFile::CObjectFile& file, unsigned long long address,
+                                 const ObjectFile::CMemoryOrganization& organization,
                                  ObjectFile::CSection::eType type = ObjectFile::CSection::TYPE_DATA,
                                  const std::string& name = ".data");
 
@@ -21,8 +21,8 @@ struct CWindow {
     unsigned m_CellBase, m_Low, m_High, m_Phase, m_Stride;
 };
 
-/// Fills the file with up to two sections with random contents. Sections and windows lie around a few places, at both
-/// ends of the address range among them.
+/// Fills the file with up to two sections with random contents, most of them data in the address space "ram". Sections
+/// and windows lie around a few places, at both ends of the address range among them.
 void AddRandomSections(ObjectFile::CObjectFile& file, std::mt19937& random, int wordBitSize, int bytesPerWord);
 CWindow RandomWindow(std::mt19937& random);
 
@@ -32,7 +32,7 @@ struct CExpectedLoad {
     std::string m_Error;                          // the beginning of the message in which it ends, or empty
 };
 CExpectedLoad ExpectedLoad(const ObjectFile::CObjectFile& file, const std::string& space, const CWindow& window,
-                           std::size_t width, std::uint64_t size);
+                           std::size_t width, std::uint64_t size, bool includeStackHeap);
 /// Loads the address space of some section into a memory of some kind, through a window around that section. Says where
 /// the memory and the model differ, or nothing.
 std::string CheckLoad(const ObjectFile::CObjectFile& file, std::mt19937& random);

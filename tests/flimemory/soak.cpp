@@ -26,12 +26,6 @@ namespace {
 int g_Seconds = 2;
 unsigned g_Seed = 1;
 
-std::size_t ResidentKiB() {
-    std::size_t pages = 0;
-    std::ifstream("/proc/self/statm") >> pages >> pages;
-    return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / 1024;
-}
-
 constexpr std::size_t WARM_UP = 20; // restarts, after which all that stays is there
 
 class CSoak {
@@ -146,7 +140,7 @@ private:
         }
         const auto address = m_Random() % 40;
         elf.Add(".data", SHT_PROGBITS, RAM << 32 | SHF_WRITE | SHF_ALLOC, address, bytes);
-        AddSection(image, address, bits, 8, 1);
+        AddSection(image, address, {8, 1, ObjectFile::BO_BIG, "ram"}).AddData(bits.c_str());
         return elf.Bytes();
     }
 
