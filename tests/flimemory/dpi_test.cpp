@@ -17,42 +17,26 @@ using ObjectFile::CSection;
 class CDpi : public testing::Test {
 protected:
     CDpi() {
-        for (const char* name : {"CLK", "w_WE0"}) {
-            m_Simulator.AddSignal(name, 0);
-        }
-        for (const char* name : {"r_Q0", "w_D0"}) {
-            m_Simulator.AddSignal(name, 8);
-        }
-        for (const char* name : {"r_RA0", "r_RE0", "w_WA0"}) {
-            m_Simulator.AddSignal(name, 4);
-        }
+        m_Simulator.AddSignal("CLK", 0);
         Elaborate("/tb/core[0]/mem", "0 8 16");
-        Elaborate("/tb/wide", "0 100 4", {"CLK"});
-        m_Simulator.TakeLog();
+        Elaborate("/tb/wide", "0 100 4");
     }
     ~CDpi() override {
         m_Simulator.Quit();
         std::remove(m_File.c_str());
     }
 
-    void Elaborate(const std::string& path, const std::string& parameters,
-                   const std::vector<std::string>& ports = {"CLK", "r_Q0", "r_RA0", "r_RE0", "w_D0", "w_WA0",
-                                                            "w_WE0"}) {
-        m_Simulator.Elaborate(MemoryInit(), path, parameters, ports);
+    void Elaborate(const std::string& path, const std::string& parameters) {
+        m_Simulator.Elaborate(MemoryInit(), path, parameters, {"CLK"});
+        m_Simulator.TakeLog();
     }
 
-    /// Writes a program image with these LAUs of 8 bits from address 0 on, and a stack and a heap of ones.
+    /// Writes a program image with these LAUs of 8 bits from address 0 on.
     void SaveImage(const std::string& bits) {
         CObjectFile image(8, 1, ObjectFile::BO_BIG, "ram");
         CSection& section = *image.CreateSection(CSection::TYPE_DATA, ".data");
         section.SetMemoryByteAddressIsAbsolute(true);
         section.AddData(bits.c_str());
-        for (const char* name : {".stack", ".heap"}) {
-            CSection& left = *image.CreateSection(CSection::TYPE_DATA, name);
-            left.SetMemoryByteAddress(12);
-            left.SetMemoryByteAddressIsAbsolute(true);
-            left.AddData("11111111");
-        }
         image.SaveFile(m_File);
     }
 
@@ -82,17 +66,6 @@ TEST_F(CDpi, LeavesBitsAboveTheWidthAlone) {
     EXPECT_EQ(Read(MEMORY, 3), "00000001");
 }
 
-TEST_F(CDpi, SharesTheMemoryWithTheClockedPorts) {
-    SaveImage("0000000100000010");
-    Init("tb/core[0]/mem.RAM_3", m_File.c_str());
-    m_Simulator.Edge({{"r_RA0", "0001"}, {"w_WA0", "0000"}, {"w_D0", "11110000"}, {"w_WE0", "1"}});
-    EXPECT_EQ(m_Simulator.Value("r_Q0"), "00000010");
-    EXPECT_EQ(Read(MEMORY, 0), "00000001"); // not yet committed
-    m_Simulator.Edge({{"w_WE0", "0"}});
-    EXPECT_EQ(Read(MEMORY, 0), "11110000");
-    EXPECT_TRUE(m_Simulator.TakeLog().empty());
-}
-
 TEST_F(CDpi, ReadsAFileOnceUntilRestart) {
     SaveImage("00000111");
     Init(MEMORY, m_File.c_str());
@@ -100,7 +73,6 @@ TEST_F(CDpi, ReadsAFileOnceUntilRestart) {
     Write(MEMORY, 0, "11111111");
     Init(MEMORY, m_File.c_str());
     EXPECT_EQ(Read(MEMORY, 0), "00000111");
-    EXPECT_EQ(Read(MEMORY, 12), "00000000"); // stack and heap are left out
     EXPECT_TRUE(m_Simulator.TakeLog().empty());
 
     m_Simulator.Restart();
@@ -108,7 +80,6 @@ TEST_F(CDpi, ReadsAFileOnceUntilRestart) {
     EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Cannot find memory object with name 'tb_core_0__mem'."));
     m_Simulator.m_Now = 0;
     Elaborate("/tb/core[0]/mem", "0 8 16");
-    m_Simulator.TakeLog();
     EXPECT_EQ(Read(MEMORY, 0), "00000000");
     Init(MEMORY, m_File.c_str());
     EXPECT_EQ(m_Simulator.TakeLog(), Failure("File '" + m_File + "' could not be opened."));
@@ -153,14 +124,13 @@ TEST_F(CDpi, ReportsEachErrorAndGoesOn) {
     EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Memory name is a null pointer."));
     Init(MEMORY, m_File.c_str(), nullptr); // an address space without a name: nothing of the image
     EXPECT_EQ(Read(MEMORY, 0), "00000000");
-    Init(MEMORY, m_File.c_str());
+    Init("tb/core[0]/mem.RAM_3", m_File.c_str());
     EXPECT_EQ(Read(MEMORY, 0), "00000111");
     EXPECT_TRUE(m_Simulator.TakeLog().empty());
 }
 
 TEST_F(CDpi, OneNormalisedNameIsOneEntry) {
     Elaborate("/tb/core(0)/mem", "0 8 4"); // takes the entry over, and takes it away when it goes
-    m_Simulator.TakeLog();
     Write(MEMORY, 9, "11111111");
     EXPECT_NE(m_Simulator.TakeTranscript().find("'tb/core(0)/mem'"), std::string::npos);
     const auto [clean, instance] = m_Simulator.m_QuitCallbacks.front(); // of the instance that came first

@@ -20,6 +20,7 @@ TEST(Process, AgreesWithAModelUnderRandomTraffic) {
             SCOPED_TRACE(std::to_string(shape.m_DataBits) + " bits, variant " + std::to_string(variant));
             CSimulator simulator;
             CTestedMemory memory(simulator, random, shape, "top/mem", "", isDirect);
+            simulator.Set({{"CLK", "1"}}); // no edge, as the time is 0
             for (int step = 0; step < 1200 && !HasFailure(); ++step) {
                 memory.Step();
             }
