@@ -88,6 +88,12 @@ TEST_F(CDpi, ReadsAFileOnceUntilRestart) {
     EXPECT_EQ(Read(MEMORY, 0), "00000101");
 }
 
+TEST_F(CDpi, LoadsElfFiles) {
+    Elaborate("/tb/elf", "0 33 2");
+    Init("tb_elf", MARLUNE_TEST_DATA "/elf/everything.elf", "wide");
+    EXPECT_EQ(Read("tb_elf", 0, std::string(33, 'x')), "000100000011101110110111101101100"); // " wol", from "low bits"
+}
+
 TEST_F(CDpi, ReportsEachErrorAndGoesOn) {
     std::ofstream(m_File) << "no object file\n";
     testing::internal::CaptureStderr();

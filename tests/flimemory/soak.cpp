@@ -5,17 +5,14 @@
 #include <malloc.h>
 #include <unistd.h>
 
-#include <bitset>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <memory>
 
 #include <gtest/gtest.h>
 
-#include "tests/elftovexon/elfbuilder.h"
 #include "tests/flimemory/library.h"
 #include "tests/flimemory/loadmodel.h"
 #include "tests/flimemory/logictext.h"
@@ -111,12 +108,8 @@ private:
         const auto width = static_cast<int>(model.m_Shape.m_ByteBitWidth);
         ObjectFile::CObjectFile image;
         const std::string file = m_File + std::to_string(m_Loads++); // a name is read once
-        if (width == 8 && m_Random() % 2 == 0) {
-            std::ofstream(file, std::ios::binary) << RandomElf(image);
-        } else {
-            AddRandomSections(image, m_Random, width, 1);
-            ASSERT_TRUE(image.SaveFile(file));
-        }
+        AddRandomSections(image, m_Random, width, 1);
+        ASSERT_TRUE(image.SaveFile(file));
         const CWindow window = RandomWindow(m_Random);
         EntryPoint(marlune_dpi_memory_init, "marlune_dpi_memory_init")((m_Names[index] + ".RAM").c_str(), file.c_str(),
                                                                        "ram", window.m_CellBase, window.m_Low,
@@ -126,22 +119,6 @@ private:
         }
         ASSERT_TRUE(m_Simulator.TakeLog().empty());
         std::remove(file.c_str());
-    }
-
-    /// An executable of bytes, and the same as an image.
-    std::string RandomElf(ObjectFile::CObjectFile& image) {
-        constexpr std::uint64_t RAM = 1;
-        CElfBuilder elf({{"rom", 32, 8, 1}, {"ram", 32, 8, 1}});
-        std::string bytes, bits;
-        for (auto left = 4 * (m_Random() % 8); left > 0; --left) {
-            const auto byte = static_cast<unsigned char>(m_Random());
-            bytes += static_cast<char>(byte);
-            bits += std::bitset<8>(byte).to_string();
-        }
-        const auto address = m_Random() % 40;
-        elf.Add(".data", SHT_PROGBITS, RAM << 32 | SHF_WRITE | SHF_ALLOC, address, bytes);
-        AddSection(image, address, {8, 1, ObjectFile::BO_BIG, "ram"}).AddData(bits.c_str());
-        return elf.Bytes();
     }
 
     void Access() {
