@@ -99,11 +99,6 @@ CWindow RandomWindow(std::mt19937& random) {
     return window;
 }
 
-std::map<std::uint64_t, std::string> ExpectedCells(const CObjectFile& file, const CWindow& window, std::uint64_t size) {
-    const std::size_t width = file.SectionsCount() == 0 ? 0 : WidthOf(*file.GetSection(0));
-    return ExpectedLoad(file, "ram", window, width, size, false).m_Cells;
-}
-
 CExpectedLoad ExpectedLoad(const CObjectFile& file, const std::string& space, const CWindow& window, std::size_t width,
                            std::uint64_t size, bool includeStackHeap) {
     CExpectedLoad load;

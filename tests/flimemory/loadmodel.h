@@ -37,8 +37,4 @@ CExpectedLoad ExpectedLoad(const ObjectFile::CObjectFile& file, const std::strin
 /// the memory and the model differ, or nothing.
 std::string CheckLoad(const ObjectFile::CObjectFile& file, std::mt19937& random);
 
-/// The cells of a load of the address space "ram" into a memory whose LAUs are as wide as the file's.
-std::map<std::uint64_t, std::string> ExpectedCells(const ObjectFile::CObjectFile& file, const CWindow& window,
-                                                   std::uint64_t size);
-
 #endif

@@ -12,10 +12,27 @@ namespace {
 
 constexpr std::size_t CELL_BITS = 1024;
 
-const char* const BITS[] = {"CLK", "a_RE0", "b_WE0", "c_WE0", "c_CS0"};
-const char* const PAIRS[] = {"s_RE0", "s_WE0", "s_CS0"}; // enables of two bits
-const char* const ADDRESSES[] = {"a_RA0", "b_WA0", "c_A0", "s_RA0", "s_WA0", "s_A0"};
-const char* const DATA[] = {"a_Q0", "b_D0", "c_D0", "c_Q0", "s_D0", "s_Q0"};
+const char* const PORTS[] = {"CLK",  "a_RE0", "b_WE0", "c_WE0", "c_CS0", "s_RE0", "s_WE0", "s_CS0", "a_RA0", "b_WA0",
+                             "c_A0", "s_RA0", "s_WA0", "s_A0",  "a_Q0",  "b_D0",  "c_D0",  "c_Q0",  "s_D0",  "s_Q0"};
+
+bool IsAddress(const std::string& port) {
+    return port.find("A0") != std::string::npos;
+}
+
+bool IsOutput(const std::string& port) {
+    return port.find("Q0") != std::string::npos;
+}
+
+/// The length of a port's array, 0 for a single std_logic.
+int LengthOf(const std::string& port, const CShape& shape) {
+    if (IsAddress(port)) {
+        return shape.m_AddressBits;
+    }
+    if (IsOutput(port) || port.find("D0") != std::string::npos) {
+        return shape.m_DataBits;
+    }
+    return port[0] == 's' ? 2 : 0; // enables
+}
 
 } // namespace
 
@@ -114,22 +131,9 @@ void CMemoryModel::Record(const std::string& prefix, const std::string& address,
 CTestedMemory::CTestedMemory(CSimulator& simulator, std::mt19937& random, const CShape& shape, const std::string& path,
                              const std::string& scope, bool isDirect)
     : m_Model(simulator, shape, path, scope), m_Simulator(simulator), m_Random(random) {
-    std::vector<std::string> ports;
-    const auto add = [&](const char* name, int length) {
-        simulator.AddSignal(scope + name, length);
-        ports.emplace_back(name);
-    };
-    for (const char* name : BITS) {
-        add(name, 0);
-    }
-    for (const char* name : PAIRS) {
-        add(name, 2);
-    }
-    for (const char* name : ADDRESSES) {
-        add(name, shape.m_AddressBits);
-    }
-    for (const char* name : DATA) {
-        add(name, shape.m_DataBits);
+    const std::vector<std::string> ports(std::begin(PORTS), std::end(PORTS));
+    for (const std::string& port : ports) {
+        simulator.AddSignal(scope + port, LengthOf(port, shape));
     }
     for (const char* prefix : {"a", "c", "s"}) {
         m_Model.m_Driven[prefix] = simulator.Value(scope + prefix + "_Q0");
@@ -218,12 +222,10 @@ void CTestedMemory::Compare() {
 bool CTestedMemory::ChangeInputs() {
     bool wakes = false;
     CSimulator::CChanges changes;
-    for (const char* port : {"CLK", "a_RE0", "b_WE0", "c_WE0", "c_CS0", "s_RE0", "s_WE0", "s_CS0", "a_RA0", "b_WA0",
-                             "c_A0", "s_RA0", "s_WA0", "s_A0", "b_D0", "c_D0", "s_D0"}) {
-        if (m_Random() % 3 != 0) {
-            const std::string name = port;
+    for (const std::string name : PORTS) {
+        if (!IsOutput(name) && m_Random() % 3 != 0) {
             const std::string old = m_Simulator.Value(m_Model.m_Scope + name);
-            const std::string letters = RandomLetters(old.size(), name.find("A0") != std::string::npos);
+            const std::string letters = RandomLetters(old.size(), IsAddress(name));
             changes.emplace_back(m_Model.m_Scope + name, letters);
             wakes |= name.find("RE0") == std::string::npos && letters != old;
         }

@@ -114,7 +114,8 @@ private:
         EntryPoint(marlune_dpi_memory_init, "marlune_dpi_memory_init")((m_Names[index] + ".RAM").c_str(), file.c_str(),
                                                                        "ram", window.m_CellBase, window.m_Low,
                                                                        window.m_High, window.m_Phase, window.m_Stride);
-        for (const auto& [cell, bits] : ExpectedCells(image, window, model.m_Shape.m_Size)) {
+        for (const auto& [cell, bits] :
+             ExpectedLoad(image, "ram", window, model.m_Shape.m_ByteBitWidth, model.m_Shape.m_Size, false).m_Cells) {
             model.SetCell(cell, bits);
         }
         ASSERT_TRUE(m_Simulator.TakeLog().empty());

@@ -23,7 +23,7 @@ TEST(LoadedCells, AgreeWithAModelOfTheLoad) {
         AddRandomSections(file, random, wordBitSize, bytesPerWord);
         const CWindow window = RandomWindow(random);
         const auto size = random() % 4 == 0 ? 0xFFFFFFFF : static_cast<std::uint32_t>(random() % 200);
-        const auto expected = ExpectedCells(file, window, size);
+        const auto expected = ExpectedLoad(file, "ram", window, width, size, false).m_Cells;
         const CLoadedCells cells(file, "ram", width, size,
                                  {window.m_CellBase, window.m_Low, window.m_High, window.m_Phase, window.m_Stride});
 
