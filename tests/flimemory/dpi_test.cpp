@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include "objectfile/objectfile.h"
-#include "tests/flimemory/library.h"
 #include "tests/flimemory/logictext.h"
 
 namespace {
@@ -43,14 +42,8 @@ protected:
     void Init(const char* name, const char* file, const char* space = "ram", unsigned stride = 1) {
         EntryPoint(marlune_dpi_memory_init, "marlune_dpi_memory_init")(name, file, space, 0, 0, 15, 0, stride);
     }
-    void Write(const char* name, unsigned address, const std::string& letters) {
-        const CLogicText vector(letters);
-        EntryPoint(marlune_dpi_memory_write, "marlune_dpi_memory_write")(name, address, vector.m_Records.data());
-    }
-    std::string Read(const char* name, unsigned address, const std::string& before = std::string(8, 'x')) {
-        CLogicText vector(before);
-        EntryPoint(marlune_dpi_memory_read, "marlune_dpi_memory_read")(name, address, vector.m_Records.data());
-        return vector.Letters();
+    static std::string Read(const std::string& name, unsigned address) {
+        return DpiRead(name, address, std::string(8, 'x'));
     }
 
     static constexpr const char* MEMORY = "tb_core_0__mem";
@@ -60,9 +53,9 @@ protected:
 };
 
 TEST_F(CDpi, LeavesBitsAboveTheWidthAlone) {
-    Write(MEMORY, 3, "1zx01101");
-    EXPECT_EQ(Read(MEMORY, 3, "xxxxxxxxxxxx"), "xxxx10001101"); // the bits above the width stay
-    Write(MEMORY, 3, "111100000001");                           // and are not looked at
+    DpiWrite(MEMORY, 3, "1zx01101");
+    EXPECT_EQ(DpiRead(MEMORY, 3, "xxxxxxxxxxxx"), "xxxx10001101"); // the bits above the width stay
+    DpiWrite(MEMORY, 3, "111100000001");                           // and are not looked at
     EXPECT_EQ(Read(MEMORY, 3), "00000001");
 }
 
@@ -70,7 +63,7 @@ TEST_F(CDpi, ReadsAFileOnceUntilRestart) {
     SaveImage("00000111");
     Init(MEMORY, m_File.c_str());
     std::remove(m_File.c_str());
-    Write(MEMORY, 0, "11111111");
+    DpiWrite(MEMORY, 0, "11111111");
     Init(MEMORY, m_File.c_str());
     EXPECT_EQ(Read(MEMORY, 0), "00000111");
     EXPECT_TRUE(m_Simulator.TakeLog().empty());
@@ -91,7 +84,8 @@ TEST_F(CDpi, ReadsAFileOnceUntilRestart) {
 TEST_F(CDpi, LoadsElfFiles) {
     Elaborate("/tb/elf", "0 33 2");
     Init("tb_elf", MARLUNE_TEST_DATA "/elf/everything.elf", "wide");
-    EXPECT_EQ(Read("tb_elf", 0, std::string(33, 'x')), "000100000011101110110111101101100"); // " wol", from "low bits"
+    EXPECT_EQ(DpiRead("tb_elf", 0, std::string(33, 'x')),
+              "000100000011101110110111101101100"); // " wol", from "low bits"
 }
 
 TEST_F(CDpi, ReportsEachErrorAndGoesOn) {
@@ -137,7 +131,7 @@ TEST_F(CDpi, ReportsEachErrorAndGoesOn) {
 
 TEST_F(CDpi, OneNormalisedNameIsOneEntry) {
     Elaborate("/tb/core(0)/mem", "0 8 4"); // takes the entry over, and takes it away when it goes
-    Write(MEMORY, 9, "11111111");
+    DpiWrite(MEMORY, 9, "11111111");
     EXPECT_NE(m_Simulator.TakeTranscript().find("'tb/core(0)/mem'"), std::string::npos);
     const auto [clean, instance] = m_Simulator.m_QuitCallbacks.front(); // of the instance that came first
     m_Simulator.m_QuitCallbacks.erase(m_Simulator.m_QuitCallbacks.begin());

@@ -13,7 +13,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/flimemory/library.h"
 #include "tests/flimemory/loadmodel.h"
 #include "tests/flimemory/logictext.h"
 #include "tests/flimemory/memorymodel.h"
@@ -128,15 +127,12 @@ private:
         const std::size_t width = model.m_Shape.m_ByteBitWidth;
         const auto address = static_cast<unsigned>(m_Random() % 3 == 0 ? m_Random() : m_Random() % 40);
         const bool inside = address < model.m_Shape.m_Size;
-        CLogicText vector(std::string(width, '0'));
         if (m_Random() % 2 == 0) {
             std::string letters;
             for (std::size_t i = 0; i < width; ++i) {
                 letters += "01zx"[m_Random() % 4];
             }
-            vector = CLogicText(letters);
-            EntryPoint(marlune_dpi_memory_write, "marlune_dpi_memory_write")(m_Names[index].c_str(), address,
-                                                                             vector.m_Records.data());
+            DpiWrite(m_Names[index], address, letters);
             if (inside) {
                 for (char& letter : letters) {
                     letter = letter == '1' ? '1' : '0';
@@ -146,25 +142,23 @@ private:
                 model.Complain(address, "Not writing anything.");
             }
         } else {
-            EntryPoint(marlune_dpi_memory_read, "marlune_dpi_memory_read")(m_Names[index].c_str(), address,
-                                                                           vector.m_Records.data());
+            const std::string letters = DpiRead(m_Names[index], address, std::string(width, '0'));
             if (!inside) {
                 model.Complain(address, "Returning 0.");
             }
-            ASSERT_EQ(vector.Letters(), inside ? model.Cell(address).substr(1024 - width) : std::string(width, '0'));
+            ASSERT_EQ(letters, inside ? model.Cell(address).substr(1024 - width) : std::string(width, '0'));
         }
         ASSERT_EQ(m_Simulator.TakeTranscript(), std::exchange(model.m_Transcript, ""));
     }
 
     /// Calls that fail leave everything as it was.
     void Fail() {
-        CLogicText vector("0000");
         switch (m_Random() % 4) {
         case 0:
             m_Simulator.Elaborate(MemoryInit(), "/tb/u0.mem", m_Random() % 2 == 0 ? "0 8" : "0 0 16", {"CLK"}, "u0.");
             break;
         case 1:
-            EntryPoint(marlune_dpi_memory_read, "marlune_dpi_memory_read")("tb_none", 0, vector.m_Records.data());
+            DpiRead("tb_none", 0, "0000");
             break;
         case 2:
             EntryPoint(marlune_dpi_memory_init, "marlune_dpi_memory_init")(m_Names[0].c_str(), "/no/such/file", "ram",
