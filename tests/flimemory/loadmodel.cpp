@@ -9,7 +9,6 @@
 #include "src/flimemory/storage.h"
 
 using marlune::foreign::fli::CStorage;
-using ObjectFile::CMemoryOrganization;
 using ObjectFile::CObjectFile;
 using ObjectFile::CSection;
 
@@ -38,17 +37,17 @@ std::size_t WidthOf(const CSection& section) {
 }
 
 /// Stores a section's LAUs in cells below the limit, with `reversed` their bits end for end.
-void Take(const CSection& section, const CWindow& window, std::uint64_t limit, bool reversed,
+void Take(const CSection& section, const CLoadWindow& window, std::uint64_t limit, bool reversed,
           std::map<std::uint64_t, std::string>& cells) {
     const std::int64_t start = static_cast<std::uint32_t>(section.GetMemoryByteAddress());
-    const std::int64_t low = window.m_Low;
+    const std::int64_t low = window.m_LowAddress;
     const std::int64_t firstGroup = start > low ? (start - low) / window.m_Stride : 0;
     for (int k = 0; k < section.GetSectionDataByteCount(); ++k) {
         const std::int64_t address = start + k;
         const std::int64_t offset = address - low - window.m_Phase;
         const auto cell =
             static_cast<std::uint64_t>((address - low) / window.m_Stride + window.m_CellBase / window.m_Stride);
-        if (address > window.m_High || offset < 0 || offset % window.m_Stride != 0 ||
+        if (address > window.m_HighAddress || offset < 0 || offset % window.m_Stride != 0 ||
             offset / window.m_Stride < firstGroup || cell >= limit) {
             continue;
         }
@@ -62,14 +61,6 @@ void Take(const CSection& section, const CWindow& window, std::uint64_t limit, b
 
 } // namespace
 
-CSection& AddSection(CObjectFile& file, unsigned long long address, const CMemoryOrganization& organization,
-                     CSection::eType type, const std::string& name) {
-    CSection& section = *file.CreateSection(type, name, organization);
-    section.SetMemoryByteAddress(address);
-    section.SetMemoryByteAddressIsAbsolute(true);
-    return section;
-}
-
 void AddRandomSections(CObjectFile& file, std::mt19937& random, int wordBitSize, int bytesPerWord) {
     constexpr CSection::eType TYPES[] = {CSection::TYPE_DATA, CSection::TYPE_TEXT, CSection::TYPE_DEBUG,
                                          CSection::TYPE_INFO};
@@ -79,8 +70,10 @@ void AddRandomSections(CObjectFile& file, std::mt19937& random, int wordBitSize,
     const auto width = static_cast<std::size_t>(wordBitSize / bytesPerWord);
     for (auto sections = random() % 3; sections > 0; --sections) {
         const auto order = random() % 2 == 0 ? ObjectFile::BO_BIG : ObjectFile::BO_LITTLE;
-        CSection& section = AddSection(file, NearAPlace(random, 60), {wordBitSize, bytesPerWord, order, pick(spaces)},
-                                       pick(TYPES), pick(names));
+        CSection& section =
+            *file.CreateSection(pick(TYPES), pick(names), {wordBitSize, bytesPerWord, order, pick(spaces)});
+        section.SetMemoryByteAddress(NearAPlace(random, 60));
+        section.SetMemoryByteAddressIsAbsolute(true);
         ObjectFile::CSectionData& data = *section.CreateSectionData();
         data.FillZero(static_cast<int>(random() % 80));
         for (int i = random() % 5 == 0 ? data.GetByteCount() : 0; i < data.GetByteCount(); ++i) {
@@ -89,21 +82,22 @@ void AddRandomSections(CObjectFile& file, std::mt19937& random, int wordBitSize,
     }
 }
 
-CWindow RandomWindow(std::mt19937& random) {
-    CWindow window{static_cast<unsigned>(random() % 9), NearAPlace(random, 90), NearAPlace(random, 90),
-                   static_cast<unsigned>(random() % 5), static_cast<unsigned>(1 + random() % 4)};
+CLoadWindow RandomWindow(std::mt19937& random) {
+    CLoadWindow window{static_cast<unsigned>(random() % 9), NearAPlace(random, 90), NearAPlace(random, 90),
+                       static_cast<unsigned>(random() % 5), static_cast<unsigned>(1 + random() % 4)};
     if (random() % 3 == 0) {
-        window.m_Low = 0;
-        window.m_High = 0xFFFFFFFF;
+        window.m_LowAddress = 0;
+        window.m_HighAddress = 0xFFFFFFFF;
     }
     return window;
 }
 
-CExpectedLoad ExpectedLoad(const CObjectFile& file, const std::string& space, const CWindow& window, std::size_t width,
-                           std::uint64_t size, bool includeStackHeap) {
+CExpectedLoad ExpectedLoad(const CObjectFile& file, const std::string& space, const CLoadWindow& window,
+                           std::size_t width, std::uint64_t size, bool includeStackHeap) {
     CExpectedLoad load;
-    const std::uint64_t range = window.m_High > window.m_Low ? window.m_High - std::uint64_t{window.m_Low}
-                                                             : window.m_Low - std::uint64_t{window.m_High};
+    const std::uint64_t range = window.m_HighAddress > window.m_LowAddress
+                                    ? window.m_HighAddress - std::uint64_t{window.m_LowAddress}
+                                    : window.m_LowAddress - std::uint64_t{window.m_HighAddress};
     const std::uint64_t limit = std::min(size, range == 0xFFFFFFFF ? range : range + 1);
     try {
         for (int s = 0; s < file.SectionsCount(); ++s) {
@@ -135,10 +129,10 @@ std::string CheckLoad(const CObjectFile& file, std::mt19937& random) {
     const auto width = std::min<std::size_t>(WidthOf(section) + (random() % 20 == 0 ? 1 : 0), MAX_WIDTH);
     const bool includeStackHeap = random() % 4 == 0;
     const auto size = random() % 3 == 0 ? CStorage::SPARSE_SIZE : static_cast<unsigned>(random() % CELLS);
-    CWindow window = RandomWindow(random);
+    CLoadWindow window = RandomWindow(random);
     if (random() % 3 > 0) {
-        window.m_Low = static_cast<unsigned>(section.GetMemoryByteAddress() + random() % 60 - 30);
-        window.m_High = static_cast<unsigned>(window.m_Low + random() % 90);
+        window.m_LowAddress = static_cast<unsigned>(section.GetMemoryByteAddress() + random() % 60 - 30);
+        window.m_HighAddress = static_cast<unsigned>(window.m_LowAddress + random() % 90);
     }
     CStorage storage("top/mem", static_cast<unsigned>(width), size);
     std::string error;
@@ -146,8 +140,9 @@ std::string CheckLoad(const CObjectFile& file, std::mt19937& random) {
         storage.Write(cell, CStorage::CWord(3));
     }
     try {
-        marlune::foreign::LoadMemory(storage, file, section.GetAddressSpaceName(), window.m_CellBase, window.m_Low,
-                                     window.m_High, window.m_Phase, window.m_Stride, includeStackHeap);
+        marlune::foreign::LoadMemory(storage, file, section.GetAddressSpaceName(), window.m_CellBase,
+                                     window.m_LowAddress, window.m_HighAddress, window.m_Phase, window.m_Stride,
+                                     includeStackHeap);
     } catch (const std::exception& thrown) {
         error = thrown.what();
     }

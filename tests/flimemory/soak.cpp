@@ -109,10 +109,10 @@ private:
         const std::string file = m_File + std::to_string(m_Loads++); // a name is read once
         AddRandomSections(image, m_Random, width, 1);
         ASSERT_TRUE(image.SaveFile(file));
-        const CWindow window = RandomWindow(m_Random);
-        EntryPoint(marlune_dpi_memory_init, "marlune_dpi_memory_init")((m_Names[index] + ".RAM").c_str(), file.c_str(),
-                                                                       "ram", window.m_CellBase, window.m_Low,
-                                                                       window.m_High, window.m_Phase, window.m_Stride);
+        const CLoadWindow window = RandomWindow(m_Random);
+        EntryPoint(marlune_dpi_memory_init, "marlune_dpi_memory_init")(
+            (m_Names[index] + ".RAM").c_str(), file.c_str(), "ram", window.m_CellBase, window.m_LowAddress,
+            window.m_HighAddress, window.m_Phase, window.m_Stride);
         for (const auto& [cell, bits] :
              ExpectedLoad(image, "ram", window, model.m_Shape.m_ByteBitWidth, model.m_Shape.m_Size, false).m_Cells) {
             model.SetCell(cell, bits);

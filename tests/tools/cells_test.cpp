@@ -21,11 +21,10 @@ TEST(LoadedCells, AgreeWithAModelOfTheLoad) {
         const auto width = static_cast<unsigned>(wordBitSize / bytesPerWord);
         ObjectFile::CObjectFile file;
         AddRandomSections(file, random, wordBitSize, bytesPerWord);
-        const CWindow window = RandomWindow(random);
+        const CLoadWindow window = RandomWindow(random);
         const auto size = random() % 4 == 0 ? 0xFFFFFFFF : static_cast<std::uint32_t>(random() % 200);
         const auto expected = ExpectedLoad(file, "ram", window, width, size, false).m_Cells;
-        const CLoadedCells cells(file, "ram", width, size,
-                                 {window.m_CellBase, window.m_Low, window.m_High, window.m_Phase, window.m_Stride});
+        const CLoadedCells cells(file, "ram", width, size, window);
 
         std::uint64_t loaded = 0;
         for (const CLoadedCells::CRun& run : cells.Runs()) {
