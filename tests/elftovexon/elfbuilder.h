@@ -56,16 +56,17 @@ public:
     static CElfBuilder Of(const std::string& file) {
         CElfBuilder elf;
         std::memcpy(&elf.m_Header, file.data(), sizeof elf.m_Header);
-        const auto* const headers = reinterpret_cast<const Elf64_Shdr*>(file.data() + elf.m_Header.e_shoff);
-        const Elf64_Shdr& names = headers[elf.m_Header.e_shstrndx];
-        for (const Elf64_Shdr* header = headers; header < headers + elf.m_Header.e_shnum; ++header) {
-            const bool hasBytes = header->sh_type != SHT_NOBITS && header != &names;
-            CSection& section = elf.Add(&file[names.sh_offset + header->sh_name], header->sh_type);
-            section.m_Bytes = hasBytes ? file.substr(header->sh_offset, header->sh_size) : "";
-            section.m_Header = *header;
+        std::vector<Elf64_Shdr> headers(elf.m_Header.e_shnum);
+        std::memcpy(headers.data(), &file[elf.m_Header.e_shoff], headers.size() * sizeof(Elf64_Shdr));
+        const Elf64_Shdr& names = headers.at(elf.m_Header.e_shstrndx);
+        for (const Elf64_Shdr& header : headers) {
+            const bool hasBytes = header.sh_type != SHT_NOBITS && &header != &names;
+            CSection& section = elf.Add(&file[names.sh_offset + header.sh_name], header.sh_type);
+            section.m_Bytes = hasBytes ? file.substr(header.sh_offset, header.sh_size) : "";
+            section.m_Header = header;
             section.m_Header.sh_name = 0;
             section.m_Header.sh_offset = 0;
-            section.m_Header.sh_size = header->sh_type == SHT_NOBITS ? header->sh_size : 0;
+            section.m_Header.sh_size = header.sh_type == SHT_NOBITS ? header.sh_size : 0;
         }
         return elf;
     }
