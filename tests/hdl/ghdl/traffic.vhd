@@ -1,6 +1,6 @@
 -- The same random traffic for memories of many shapes, each served in two ways at once, which learn of events and
--- values differently. Inputs and CLK change in several delta cycles of one time, addresses and
--- data follow outputs within it. The outputs must agree in every delta.
+-- values differently. Inputs and CLK change in several delta cycles of one time, addresses and data follow outputs
+-- within it. The outputs must agree in every delta.
 
 entity traffic is
   generic (TIMES : positive := 3000);
