@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <deque>
 #include <string>
 #include <vector>
@@ -49,6 +50,25 @@ public:
         Add(".shstrtab", SHT_STRTAB);
         Add(".strtab", SHT_STRTAB, 0, 0, std::string(1, '\0'));
         Add(".marlune_as", 0x70000000, std::uint64_t{99} << 32, 0, table);
+    }
+
+    /// The builder of such a file.
+    static CElfBuilder Of(const std::string& file) {
+        CElfBuilder elf;
+        std::memcpy(&elf.m_Header, file.data(), sizeof elf.m_Header);
+        std::vector<Elf64_Shdr> headers(elf.m_Header.e_shnum);
+        std::memcpy(headers.data(), &file[elf.m_Header.e_shoff], headers.size() * sizeof(Elf64_Shdr));
+        const Elf64_Shdr& names = headers.at(elf.m_Header.e_shstrndx);
+        for (const Elf64_Shdr& header : headers) {
+            const bool hasBytes = header.sh_type != SHT_NOBITS && &header != &names;
+            CSection& section = elf.Add(&file[names.sh_offset + header.sh_name], header.sh_type);
+            section.m_Bytes = hasBytes ? file.substr(header.sh_offset, header.sh_size) : "";
+            section.m_Header = header;
+            section.m_Header.sh_name = 0;
+            section.m_Header.sh_offset = 0;
+            section.m_Header.sh_size = header.sh_type == SHT_NOBITS ? header.sh_size : 0;
+        }
+        return elf;
     }
 
     CSection& Add(const std::string& name, std::uint32_t type, std::uint64_t flags = 0, std::uint64_t address = 0,
@@ -111,6 +131,8 @@ public:
     std::vector<Elf64_Phdr> m_Segments;
 
 private:
+    CElfBuilder() = default;
+
     std::deque<CSection> m_Sections;
 };
 

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include "objectfile/objectfile.h"
-#include "tests/flimemory/library.h"
 #include "tests/flimemory/logictext.h"
 
 namespace {
@@ -17,56 +16,34 @@ using ObjectFile::CSection;
 class CDpi : public testing::Test {
 protected:
     CDpi() {
-        for (const char* name : {"CLK", "w_WE0"}) {
-            m_Simulator.AddSignal(name, 0);
-        }
-        for (const char* name : {"r_Q0", "w_D0"}) {
-            m_Simulator.AddSignal(name, 8);
-        }
-        for (const char* name : {"r_RA0", "r_RE0", "w_WA0"}) {
-            m_Simulator.AddSignal(name, 4);
-        }
+        m_Simulator.AddSignal("CLK", 0);
         Elaborate("/tb/core[0]/mem", "0 8 16");
-        Elaborate("/tb/wide", "0 100 4", {"CLK"});
-        m_Simulator.TakeLog();
+        Elaborate("/tb/wide", "0 100 4");
     }
     ~CDpi() override {
         m_Simulator.Quit();
         std::remove(m_File.c_str());
     }
 
-    void Elaborate(const std::string& path, const std::string& parameters,
-                   const std::vector<std::string>& ports = {"CLK", "r_Q0", "r_RA0", "r_RE0", "w_D0", "w_WA0",
-                                                            "w_WE0"}) {
-        m_Simulator.Elaborate(MemoryInit(), path, parameters, ports);
+    void Elaborate(const std::string& path, const std::string& parameters) {
+        m_Simulator.Elaborate(MemoryInit(), path, parameters, {"CLK"});
+        m_Simulator.TakeLog();
     }
 
-    /// Writes a program image with these LAUs of 8 bits from address 0 on, and a stack and a heap of ones.
+    /// Writes a program image with these LAUs of 8 bits from address 0 on.
     void SaveImage(const std::string& bits) {
         CObjectFile image(8, 1, ObjectFile::BO_BIG, "ram");
         CSection& section = *image.CreateSection(CSection::TYPE_DATA, ".data");
         section.SetMemoryByteAddressIsAbsolute(true);
         section.AddData(bits.c_str());
-        for (const char* name : {".stack", ".heap"}) {
-            CSection& left = *image.CreateSection(CSection::TYPE_DATA, name);
-            left.SetMemoryByteAddress(12);
-            left.SetMemoryByteAddressIsAbsolute(true);
-            left.AddData("11111111");
-        }
         image.SaveFile(m_File);
     }
 
     void Init(const char* name, const char* file, const char* space = "ram", unsigned stride = 1) {
         EntryPoint(marlune_dpi_memory_init, "marlune_dpi_memory_init")(name, file, space, 0, 0, 15, 0, stride);
     }
-    void Write(const char* name, unsigned address, const std::string& letters) {
-        const CLogicText vector(letters);
-        EntryPoint(marlune_dpi_memory_write, "marlune_dpi_memory_write")(name, address, vector.m_Records.data());
-    }
-    std::string Read(const char* name, unsigned address, const std::string& before = std::string(8, 'x')) {
-        CLogicText vector(before);
-        EntryPoint(marlune_dpi_memory_read, "marlune_dpi_memory_read")(name, address, vector.m_Records.data());
-        return vector.Letters();
+    static std::string Read(const std::string& name, unsigned address) {
+        return DpiRead(name, address, std::string(8, 'x'));
     }
 
     static constexpr const char* MEMORY = "tb_core_0__mem";
@@ -75,49 +52,20 @@ protected:
     const std::string m_File = testing::TempDir() + "dpi_test" + std::to_string(getpid()) + ".obj";
 };
 
-TEST_F(CDpi, WritesAndReadsWords) {
-    Write(MEMORY, 3, "1zx01101");
-    EXPECT_EQ(Read(MEMORY, 3, "xxxxxxxxxxxx"), "xxxx10001101"); // the bits above the width stay
-    Write(MEMORY, 3, "111100000001");                           // and are not looked at
+TEST_F(CDpi, LeavesBitsAboveTheWidthAlone) {
+    DpiWrite(MEMORY, 3, "1zx01101");
+    EXPECT_EQ(DpiRead(MEMORY, 3, "xxxxxxxxxxxx"), "xxxx10001101"); // the bits above the width stay
+    DpiWrite(MEMORY, 3, "111100000001");                           // and are not looked at
     EXPECT_EQ(Read(MEMORY, 3), "00000001");
-    const std::string wide = "1" + std::string(98, '0') + "1";
-    Write("tb_wide", 3, wide);
-    EXPECT_EQ(Read("tb_wide", 3, std::string(100, 'x')), wide);
-    EXPECT_TRUE(m_Simulator.TakeLog().empty());
-
-    Write(MEMORY, 16, "11111111");
-    EXPECT_EQ(Read(MEMORY, 0x80000000), "00000000");
-    EXPECT_EQ(m_Simulator.TakeTranscript(),
-              "error: 'tb/core[0]/mem': Access outside of memory, address: 16, max value: "
-              "16. Not writing anything.\n"
-              "error: 'tb/core[0]/mem': Access outside of memory, address: -2147483648, "
-              "max value: 16. Returning 0.\n");
-}
-
-TEST_F(CDpi, SharesTheMemoryWithTheClockedPorts) {
-    SaveImage("0000000100000010");
-    Init("/tb/core[0]/mem", m_File.c_str());
-    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Cannot find memory object with name '_tb_core_0__mem'."));
-    Init("tb/core[0]/mem/the_RAM", m_File.c_str()); // cut before "_RAM": not the memory
-    EXPECT_EQ(m_Simulator.TakeLog(),
-              Failure("General error: Cannot find memory object with name 'tb_core_0__mem_the'."));
-    Init("tb/core[0]/mem.RAM_3", m_File.c_str());
-    m_Simulator.Edge({{"r_RA0", "0001"}, {"w_WA0", "0000"}, {"w_D0", "11110000"}, {"w_WE0", "1"}});
-    EXPECT_EQ(m_Simulator.Value("r_Q0"), "00000010");
-    EXPECT_EQ(Read(MEMORY, 0), "00000001"); // not yet committed
-    m_Simulator.Edge({{"w_WE0", "0"}});
-    EXPECT_EQ(Read(MEMORY, 0), "11110000");
-    EXPECT_TRUE(m_Simulator.TakeLog().empty());
 }
 
 TEST_F(CDpi, ReadsAFileOnceUntilRestart) {
     SaveImage("00000111");
     Init(MEMORY, m_File.c_str());
     std::remove(m_File.c_str());
-    Write(MEMORY, 0, "11111111");
+    DpiWrite(MEMORY, 0, "11111111");
     Init(MEMORY, m_File.c_str());
     EXPECT_EQ(Read(MEMORY, 0), "00000111");
-    EXPECT_EQ(Read(MEMORY, 12), "00000000"); // stack and heap are left out
     EXPECT_TRUE(m_Simulator.TakeLog().empty());
 
     m_Simulator.Restart();
@@ -125,13 +73,19 @@ TEST_F(CDpi, ReadsAFileOnceUntilRestart) {
     EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Cannot find memory object with name 'tb_core_0__mem'."));
     m_Simulator.m_Now = 0;
     Elaborate("/tb/core[0]/mem", "0 8 16");
-    m_Simulator.TakeLog();
     EXPECT_EQ(Read(MEMORY, 0), "00000000");
     Init(MEMORY, m_File.c_str());
     EXPECT_EQ(m_Simulator.TakeLog(), Failure("File '" + m_File + "' could not be opened."));
     SaveImage("00000101"); // a load that failed is not remembered
     Init(MEMORY, m_File.c_str());
     EXPECT_EQ(Read(MEMORY, 0), "00000101");
+}
+
+TEST_F(CDpi, LoadsElfFiles) {
+    Elaborate("/tb/elf", "0 33 2");
+    Init("tb_elf", MARLUNE_TEST_DATA "/elf/everything.elf", "wide");
+    EXPECT_EQ(DpiRead("tb_elf", 0, std::string(33, 'x')),
+              "000100000011101110110111101101100"); // " wol", from "low bits"
 }
 
 TEST_F(CDpi, ReportsEachErrorAndGoesOn) {
@@ -142,36 +96,42 @@ TEST_F(CDpi, ReportsEachErrorAndGoesOn) {
               "Error: Object file " + m_File + " contains errors and could not be loaded.\n");
     EXPECT_EQ(m_Simulator.TakeLog(), Failure("std::exception"));
     SaveImage("00000111");
-    Init("tb.wide", m_File.c_str());
-    EXPECT_EQ(m_Simulator.TakeLog(),
-              Failure("General error: LAU mismatch: memory 'wide' has different LAU bitwidth (100) than data stored in "
-                      "object file '" +
-                      m_File + "' (8)."));
-    Init(MEMORY, m_File.c_str(), "ram", 0);
-    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Stride must be greater than zero."));
-    Init("tb.RAM.mem.RAM", m_File.c_str()); // the last one counts
-    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Cannot find memory object with name 'tb_RAM_mem'."));
-    Init("RAM0", m_File.c_str()); // nothing before "RAM": the name is taken whole
-    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Cannot find memory object with name 'RAM0'."));
-    Init(nullptr, m_File.c_str());
-    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Memory name is a null pointer."));
-    Init(MEMORY, nullptr);
-    EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: File name is a null pointer."));
+    const char* const file = m_File.c_str();
+    const struct {
+        const char* m_Name;
+        const char* m_File;
+        unsigned m_Stride;
+        std::string m_Error;
+    } cases[] = {
+        {"tb.wide", file, 1,
+         "LAU mismatch: memory 'wide' has different LAU bitwidth (100) than data stored in object file '" + m_File +
+             "' (8)."},
+        {MEMORY, file, 0, "Stride must be greater than zero."},
+        {"/tb/core[0]/mem", file, 1, "Cannot find memory object with name '_tb_core_0__mem'."},
+        {"tb/core[0]/mem/the_RAM", file, 1, "Cannot find memory object with name 'tb_core_0__mem_the'."},
+        {"tb.RAM.mem.RAM", file, 1, "Cannot find memory object with name 'tb_RAM_mem'."}, // the last one counts
+        {"RAM0", file, 1, "Cannot find memory object with name 'RAM0'."}, // nothing before "RAM": taken whole
+        {nullptr, file, 1, "Memory name is a null pointer."},
+        {MEMORY, nullptr, 1, "File name is a null pointer."},
+    };
+    for (const auto& row : cases) {
+        Init(row.m_Name, row.m_File, "ram", row.m_Stride);
+        EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: " + row.m_Error));
+    }
     EntryPoint(marlune_dpi_memory_read, "marlune_dpi_memory_read")(MEMORY, 0, nullptr);
     EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Data vector is a null pointer."));
     EntryPoint(marlune_dpi_memory_write, "marlune_dpi_memory_write")(nullptr, 0, nullptr);
     EXPECT_EQ(m_Simulator.TakeLog(), Failure("General error: Memory name is a null pointer."));
     Init(MEMORY, m_File.c_str(), nullptr); // an address space without a name: nothing of the image
     EXPECT_EQ(Read(MEMORY, 0), "00000000");
-    Init(MEMORY, m_File.c_str());
+    Init("tb/core[0]/mem.RAM_3", m_File.c_str());
     EXPECT_EQ(Read(MEMORY, 0), "00000111");
     EXPECT_TRUE(m_Simulator.TakeLog().empty());
 }
 
 TEST_F(CDpi, OneNormalisedNameIsOneEntry) {
     Elaborate("/tb/core(0)/mem", "0 8 4"); // takes the entry over, and takes it away when it goes
-    m_Simulator.TakeLog();
-    Write(MEMORY, 9, "11111111");
+    DpiWrite(MEMORY, 9, "11111111");
     EXPECT_NE(m_Simulator.TakeTranscript().find("'tb/core(0)/mem'"), std::string::npos);
     const auto [clean, instance] = m_Simulator.m_QuitCallbacks.front(); // of the instance that came first
     m_Simulator.m_QuitCallbacks.erase(m_Simulator.m_QuitCallbacks.begin());

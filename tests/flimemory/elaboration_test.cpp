@@ -2,7 +2,6 @@
 #include <fstream>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "src/flimemory/projectname.h"
 #include "tests/flimemory/library.h"
@@ -93,19 +92,13 @@ TEST_F(CElaboration, ReportsEachErrorOnceAndGoesOn) {
     }
 }
 
-std::size_t ResidentBytes() {
-    std::size_t pages = 0;
-    std::ifstream("/proc/self/statm") >> pages >> pages;
-    return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-}
-
 TEST_F(CElaboration, TakesMemoryOnlyWhenCellsAreTouched) {
     EXPECT_EQ(Elaborate("0 8 16", {"CLK"}), NO_PORTS); // loads the library, and the code that it runs
-    const std::size_t before = ResidentBytes();
+    const std::size_t before = ResidentKiB();
     EXPECT_EQ(Elaborate("0 64 0x8000000", {"CLK"}), NO_PORTS); // 1 GiB each
     EXPECT_EQ(Elaborate("0 128 0x800000", {"CLK"}), NO_PORTS);
     EXPECT_EQ(Elaborate("0 8 0xFFFFFFFF", {"CLK"}), NO_PORTS);
-    EXPECT_LT(ResidentBytes() - before, 1U << 20U);
+    EXPECT_LT(ResidentKiB() - before, 1024U);
 }
 
 TEST_F(CElaboration, RefusesASizeThatTheSystemCannotProvide) {

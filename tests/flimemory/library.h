@@ -3,7 +3,9 @@
 #define MARLUNE_TESTS_FLIMEMORY_LIBRARY_H
 
 #include <dlfcn.h>
+#include <unistd.h>
 
+#include <fstream>
 #include <stdexcept>
 #include <string>
 
@@ -27,6 +29,13 @@ inline CSimulator::CInit MemoryInit() {
 /// What the simulator logs when an entry point fails with the text.
 inline std::vector<std::string> Failure(const std::string& text) {
     return {"global MTI_ERROR_MSG", "set MTI_ERROR_MSG \"" + text + "\"", "fatal"};
+}
+
+/// Memory of this process that is in use at present, in KiB.
+inline std::size_t ResidentKiB() {
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages >> pages;
+    return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / 1024;
 }
 
 #endif

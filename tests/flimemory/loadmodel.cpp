@@ -2,6 +2,7 @@
 #include "tests/flimemory/loadmodel.h"
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
 
 #include "src/flimemory/loadmemory.h"
@@ -36,17 +37,17 @@ std::size_t WidthOf(const CSection& section) {
 }
 
 /// Stores a section's LAUs in cells below the limit, with `reversed` their bits end for end.
-void Take(const CSection& section, const CWindow& window, std::uint64_t limit, bool reversed,
+void Take(const CSection& section, const CLoadWindow& window, std::uint64_t limit, bool reversed,
           std::map<std::uint64_t, std::string>& cells) {
     const std::int64_t start = static_cast<std::uint32_t>(section.GetMemoryByteAddress());
-    const std::int64_t low = window.m_Low;
+    const std::int64_t low = window.m_LowAddress;
     const std::int64_t firstGroup = start > low ? (start - low) / window.m_Stride : 0;
     for (int k = 0; k < section.GetSectionDataByteCount(); ++k) {
         const std::int64_t address = start + k;
         const std::int64_t offset = address - low - window.m_Phase;
         const auto cell =
             static_cast<std::uint64_t>((address - low) / window.m_Stride + window.m_CellBase / window.m_Stride);
-        if (address > window.m_High || offset < 0 || offset % window.m_Stride != 0 ||
+        if (address > window.m_HighAddress || offset < 0 || offset % window.m_Stride != 0 ||
             offset / window.m_Stride < firstGroup || cell >= limit) {
             continue;
         }
@@ -60,20 +61,19 @@ void Take(const CSection& section, const CWindow& window, std::uint64_t limit, b
 
 } // namespace
 
-CSection& AddSection(CObjectFile& file, unsigned long long address, const std::string& bits, int wordBitSize,
-                     int bytesPerWord, ObjectFile::eByteOrder order, CSection::eType type, const std::string& name) {
-    CSection& section = *file.CreateSection(type, name, CObjectFile(wordBitSize, bytesPerWord, order, "ram"));
-    section.SetMemoryByteAddress(address);
-    section.SetMemoryByteAddressIsAbsolute(true);
-    section.AddData(bits.c_str());
-    return section;
-}
-
 void AddRandomSections(CObjectFile& file, std::mt19937& random, int wordBitSize, int bytesPerWord) {
+    constexpr CSection::eType TYPES[] = {CSection::TYPE_DATA, CSection::TYPE_TEXT, CSection::TYPE_DEBUG,
+                                         CSection::TYPE_INFO};
+    const char* const names[] = {".data", ".stack", ".heap", ".text"};
+    const char* const spaces[] = {"ram", "ra", "rom", ""};
+    const auto pick = [&](auto& list) { return list[random() % 3 == 0 ? random() % std::size(list) : 0]; };
     const auto width = static_cast<std::size_t>(wordBitSize / bytesPerWord);
     for (auto sections = random() % 3; sections > 0; --sections) {
         const auto order = random() % 2 == 0 ? ObjectFile::BO_BIG : ObjectFile::BO_LITTLE;
-        CSection& section = AddSection(file, NearAPlace(random, 60), "", wordBitSize, bytesPerWord, order);
+        CSection& section =
+            *file.CreateSection(pick(TYPES), pick(names), {wordBitSize, bytesPerWord, order, pick(spaces)});
+        section.SetMemoryByteAddress(NearAPlace(random, 60));
+        section.SetMemoryByteAddressIsAbsolute(true);
         ObjectFile::CSectionData& data = *section.CreateSectionData();
         data.FillZero(static_cast<int>(random() % 80));
         for (int i = random() % 5 == 0 ? data.GetByteCount() : 0; i < data.GetByteCount(); ++i) {
@@ -82,33 +82,30 @@ void AddRandomSections(CObjectFile& file, std::mt19937& random, int wordBitSize,
     }
 }
 
-CWindow RandomWindow(std::mt19937& random) {
-    CWindow window{static_cast<unsigned>(random() % 9), NearAPlace(random, 90), NearAPlace(random, 90),
-                   static_cast<unsigned>(random() % 5), static_cast<unsigned>(1 + random() % 4)};
+CLoadWindow RandomWindow(std::mt19937& random) {
+    CLoadWindow window{static_cast<unsigned>(random() % 9), NearAPlace(random, 90), NearAPlace(random, 90),
+                       static_cast<unsigned>(random() % 5), static_cast<unsigned>(1 + random() % 4)};
     if (random() % 3 == 0) {
-        window.m_Low = 0;
-        window.m_High = 0xFFFFFFFF;
+        window.m_LowAddress = 0;
+        window.m_HighAddress = 0xFFFFFFFF;
     }
     return window;
 }
 
-std::map<std::uint64_t, std::string> ExpectedCells(const CObjectFile& file, const CWindow& window, std::uint64_t size) {
-    const std::size_t width = file.SectionsCount() == 0 ? 0 : WidthOf(*file.GetSection(0));
-    return ExpectedLoad(file, "ram", window, width, size).m_Cells;
-}
-
-CExpectedLoad ExpectedLoad(const CObjectFile& file, const std::string& space, const CWindow& window, std::size_t width,
-                           std::uint64_t size) {
+CExpectedLoad ExpectedLoad(const CObjectFile& file, const std::string& space, const CLoadWindow& window,
+                           std::size_t width, std::uint64_t size, bool includeStackHeap) {
     CExpectedLoad load;
-    const std::uint64_t range = window.m_High > window.m_Low ? window.m_High - std::uint64_t{window.m_Low}
-                                                             : window.m_Low - std::uint64_t{window.m_High};
+    const std::uint64_t range = window.m_HighAddress > window.m_LowAddress
+                                    ? window.m_HighAddress - std::uint64_t{window.m_LowAddress}
+                                    : window.m_LowAddress - std::uint64_t{window.m_HighAddress};
     const std::uint64_t limit = std::min(size, range == 0xFFFFFFFF ? range : range + 1);
     try {
         for (int s = 0; s < file.SectionsCount(); ++s) {
             const CSection& section = *file.GetSection(s);
+            const bool isStackOrHeap = section.GetName() == ".stack" || section.GetName() == ".heap";
             const bool isWanted = section.GetType() != CSection::TYPE_DEBUG &&
-                                  section.GetType() != CSection::TYPE_INFO && section.GetName() != ".stack" &&
-                                  section.GetName() != ".heap" && section.GetAddressSpaceName() == space;
+                                  section.GetType() != CSection::TYPE_INFO && (includeStackHeap || !isStackOrHeap) &&
+                                  section.GetAddressSpaceName() == space;
             if (isWanted && !section.GetMemoryByteAddressIsAbsolute()) {
                 return {load.m_Cells, "General error: Loaded file does not contain absolute sections."};
             }
@@ -130,11 +127,12 @@ std::string CheckLoad(const CObjectFile& file, std::mt19937& random) {
     const CSection& section =
         *file.GetSection(static_cast<int>(random() % static_cast<unsigned>(file.SectionsCount())));
     const auto width = std::min<std::size_t>(WidthOf(section) + (random() % 20 == 0 ? 1 : 0), MAX_WIDTH);
+    const bool includeStackHeap = random() % 4 == 0;
     const auto size = random() % 3 == 0 ? CStorage::SPARSE_SIZE : static_cast<unsigned>(random() % CELLS);
-    CWindow window = RandomWindow(random);
+    CLoadWindow window = RandomWindow(random);
     if (random() % 3 > 0) {
-        window.m_Low = static_cast<unsigned>(section.GetMemoryByteAddress() + random() % 60 - 30);
-        window.m_High = static_cast<unsigned>(window.m_Low + random() % 90);
+        window.m_LowAddress = static_cast<unsigned>(section.GetMemoryByteAddress() + random() % 60 - 30);
+        window.m_HighAddress = static_cast<unsigned>(window.m_LowAddress + random() % 90);
     }
     CStorage storage("top/mem", static_cast<unsigned>(width), size);
     std::string error;
@@ -142,8 +140,9 @@ std::string CheckLoad(const CObjectFile& file, std::mt19937& random) {
         storage.Write(cell, CStorage::CWord(3));
     }
     try {
-        marlune::foreign::LoadMemory(storage, file, section.GetAddressSpaceName(), window.m_CellBase, window.m_Low,
-                                     window.m_High, window.m_Phase, window.m_Stride, false);
+        marlune::foreign::LoadMemory(storage, file, section.GetAddressSpaceName(), window.m_CellBase,
+                                     window.m_LowAddress, window.m_HighAddress, window.m_Phase, window.m_Stride,
+                                     includeStackHeap);
     } catch (const std::exception& thrown) {
         error = thrown.what();
     }
@@ -152,7 +151,7 @@ std::string CheckLoad(const CObjectFile& file, std::mt19937& random) {
             return ""; // too long for the model
         }
     }
-    CExpectedLoad expected = ExpectedLoad(file, section.GetAddressSpaceName(), window, width, size);
+    CExpectedLoad expected = ExpectedLoad(file, section.GetAddressSpaceName(), window, width, size, includeStackHeap);
     if (error.empty() != expected.m_Error.empty() || error.rfind(expected.m_Error, 0) != 0) {
         return "a load ends in '" + error + "', not in '" + expected.m_Error + "'";
     }

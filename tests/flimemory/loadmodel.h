@@ -8,37 +8,24 @@
 #include <string>
 
 #include "objectfile/objectfile.h"
-#include "objectfile/section.h"
+#include "src/flimemory/loadplan.h"
 
-/// Appends an absolute section of the address space "ram" with these bits.
-ObjectFile::CSection& AddSection(ObjectFile::CObjectFile& file, unsigned long long address, const std::string& bits,
-                                 int wordBitSize, int bytesPerWord, ObjectFile::eByteOrder order = ObjectFile::BO_BIG,
-                                 ObjectFile::CSection::eType type = ObjectFile::CSection::TYPE_DATA,
-                                 const std::string& name = ".data");
+using marlune::foreign::CLoadWindow;
 
-/// What a load takes; see marlune_dpi_memory_init.
-struct CWindow {
-    unsigned m_CellBase, m_Low, m_High, m_Phase, m_Stride;
-};
-
-/// Fills the file with up to two sections with random contents. Sections and windows lie around a few places, at both
-/// ends of the address range among them.
+/// Fills the file with up to two sections with random contents, most of them data in the address space "ram". Sections
+/// and windows lie around a few places, at both ends of the address range among them.
 void AddRandomSections(ObjectFile::CObjectFile& file, std::mt19937& random, int wordBitSize, int bytesPerWord);
-CWindow RandomWindow(std::mt19937& random);
+CLoadWindow RandomWindow(std::mt19937& random);
 
 /// What a load of an address space does: each LAU of each section is asked on its own whether it is taken.
 struct CExpectedLoad {
     std::map<std::uint64_t, std::string> m_Cells; // what it stores, as texts of digits
     std::string m_Error;                          // the beginning of the message in which it ends, or empty
 };
-CExpectedLoad ExpectedLoad(const ObjectFile::CObjectFile& file, const std::string& space, const CWindow& window,
-                           std::size_t width, std::uint64_t size);
+CExpectedLoad ExpectedLoad(const ObjectFile::CObjectFile& file, const std::string& space, const CLoadWindow& window,
+                           std::size_t width, std::uint64_t size, bool includeStackHeap);
 /// Loads the address space of some section into a memory of some kind, through a window around that section. Says where
 /// the memory and the model differ, or nothing.
 std::string CheckLoad(const ObjectFile::CObjectFile& file, std::mt19937& random);
-
-/// The cells of a load of the address space "ram" into a memory whose LAUs are as wide as the file's.
-std::map<std::uint64_t, std::string> ExpectedCells(const ObjectFile::CObjectFile& file, const CWindow& window,
-                                                   std::uint64_t size);
 
 #endif

@@ -1,4 +1,4 @@
-// Vectors of DPI, written as text.
+// Vectors of DPI, written as text, and accesses with them.
 #ifndef MARLUNE_TESTS_FLIMEMORY_LOGICTEXT_H
 #define MARLUNE_TESTS_FLIMEMORY_LOGICTEXT_H
 
@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "svdpi.h"
+#include "tests/flimemory/library.h"
 
 /// A vector as text, bit 0 last, of the letters 0, 1, z and x.
 class CLogicText {
@@ -29,5 +30,17 @@ public:
 private:
     std::size_t m_Size;
 };
+
+inline void DpiWrite(const std::string& memory, unsigned address, const std::string& letters) {
+    const CLogicText vector(letters);
+    EntryPoint(marlune_dpi_memory_write, "marlune_dpi_memory_write")(memory.c_str(), address, vector.m_Records.data());
+}
+
+/// What a read makes of a vector.
+inline std::string DpiRead(const std::string& memory, unsigned address, const std::string& vectorBefore) {
+    CLogicText vector(vectorBefore);
+    EntryPoint(marlune_dpi_memory_read, "marlune_dpi_memory_read")(memory.c_str(), address, vector.m_Records.data());
+    return vector.Letters();
+}
 
 #endif

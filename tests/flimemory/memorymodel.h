@@ -27,9 +27,8 @@ public:
     /// The path is as messages show it; the names of the instance's signals begin with the scope.
     CMemoryModel(CSimulator& simulator, const CShape& shape, std::string path, std::string scope);
 
-    /// A rising edge of the clock, and a later delta cycle at its time in which the process wakes again.
-    void Edge();
-    void Passes();
+    /// The process wakes. The first time at a point of time decides whether that is one of an edge.
+    void Wake();
 
     /// A cell as text of 1024 bits, and what becomes of a value of at most as many that is stored in it.
     std::string Cell(std::uint64_t address) const;
@@ -45,11 +44,15 @@ public:
 private:
     std::string Bits(const std::string& signal) const;
     bool IsOne(const std::string& signal) const { return std::stoul(Bits(signal), nullptr, 2) == 1; }
+    void Commit();
+    void Serve();
     void Read(const std::string& prefix, const std::string& addressSignal);
     void Record(const std::string& prefix, const std::string& address, bool selected);
 
     CSimulator& m_Simulator;
     const std::string m_Path;
+    int m_LastTime = 0;
+    bool m_IsEdge = false;
     std::map<std::uint64_t, std::string> m_Cells;
     std::map<std::string, std::string> m_Samples;
     std::map<std::string, std::string> m_Outputs;
@@ -63,9 +66,9 @@ public:
     CTestedMemory(CSimulator& simulator, std::mt19937& random, const CShape& shape, const std::string& path,
                   const std::string& scope, bool isDirect);
 
-    /// Advances the time by one clock period with an edge and some more delta cycles; compares all read data and
-    /// messages (GoogleTest assertions).
-    void Clock();
+    /// Changes inputs and the clock in some delta cycles at another time or at the same again; compares all read data
+    /// and messages (GoogleTest assertions).
+    void Step();
 
     CMemoryModel m_Model;
 

@@ -5,18 +5,14 @@
 #include <malloc.h>
 #include <unistd.h>
 
-#include <bitset>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <memory>
 
 #include <gtest/gtest.h>
 
-#include "tests/elftovexon/elfbuilder.h"
-#include "tests/flimemory/library.h"
 #include "tests/flimemory/loadmodel.h"
 #include "tests/flimemory/logictext.h"
 #include "tests/flimemory/memorymodel.h"
@@ -25,12 +21,6 @@ namespace {
 
 int g_Seconds = 2;
 unsigned g_Seed = 1;
-
-std::size_t ResidentKiB() {
-    std::size_t pages = 0;
-    std::ifstream("/proc/self/statm") >> pages >> pages;
-    return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / 1024;
-}
 
 constexpr std::size_t WARM_UP = 20; // restarts, after which all that stays is there
 
@@ -66,11 +56,12 @@ private:
         } else if (choice < 500) {
             Access();
         } else {
-            Pick().Clock();
+            CTestedMemory& memory = *m_Memories[m_Random() % m_Memories.size()];
+            memory.Step();
+            memory.Step();
+            memory.Step();
         }
     }
-
-    CTestedMemory& Pick() { return *m_Memories[m_Random() % m_Memories.size()]; }
 
     void Elaborate() {
         const CShape shapes[] = {{false, 8, 1000, 32, 10},
@@ -116,37 +107,18 @@ private:
         const auto width = static_cast<int>(model.m_Shape.m_ByteBitWidth);
         ObjectFile::CObjectFile image;
         const std::string file = m_File + std::to_string(m_Loads++); // a name is read once
-        if (width == 8 && m_Random() % 2 == 0) {
-            std::ofstream(file, std::ios::binary) << RandomElf(image);
-        } else {
-            AddRandomSections(image, m_Random, width, 1);
-            ASSERT_TRUE(image.SaveFile(file));
-        }
-        const CWindow window = RandomWindow(m_Random);
-        EntryPoint(marlune_dpi_memory_init, "marlune_dpi_memory_init")((m_Names[index] + ".RAM").c_str(), file.c_str(),
-                                                                       "ram", window.m_CellBase, window.m_Low,
-                                                                       window.m_High, window.m_Phase, window.m_Stride);
-        for (const auto& [cell, bits] : ExpectedCells(image, window, model.m_Shape.m_Size)) {
+        AddRandomSections(image, m_Random, width, 1);
+        ASSERT_TRUE(image.SaveFile(file));
+        const CLoadWindow window = RandomWindow(m_Random);
+        EntryPoint(marlune_dpi_memory_init, "marlune_dpi_memory_init")(
+            (m_Names[index] + ".RAM").c_str(), file.c_str(), "ram", window.m_CellBase, window.m_LowAddress,
+            window.m_HighAddress, window.m_Phase, window.m_Stride);
+        for (const auto& [cell, bits] :
+             ExpectedLoad(image, "ram", window, model.m_Shape.m_ByteBitWidth, model.m_Shape.m_Size, false).m_Cells) {
             model.SetCell(cell, bits);
         }
         ASSERT_TRUE(m_Simulator.TakeLog().empty());
         std::remove(file.c_str());
-    }
-
-    /// An executable of bytes, and the same as an image.
-    std::string RandomElf(ObjectFile::CObjectFile& image) {
-        constexpr std::uint64_t RAM = 1;
-        CElfBuilder elf({{"rom", 32, 8, 1}, {"ram", 32, 8, 1}});
-        std::string bytes, bits;
-        for (auto left = 4 * (m_Random() % 8); left > 0; --left) {
-            const auto byte = static_cast<unsigned char>(m_Random());
-            bytes += static_cast<char>(byte);
-            bits += std::bitset<8>(byte).to_string();
-        }
-        const auto address = m_Random() % 40;
-        elf.Add(".data", SHT_PROGBITS, RAM << 32 | SHF_WRITE | SHF_ALLOC, address, bytes);
-        AddSection(image, address, bits, 8, 1);
-        return elf.Bytes();
     }
 
     void Access() {
@@ -155,15 +127,12 @@ private:
         const std::size_t width = model.m_Shape.m_ByteBitWidth;
         const auto address = static_cast<unsigned>(m_Random() % 3 == 0 ? m_Random() : m_Random() % 40);
         const bool inside = address < model.m_Shape.m_Size;
-        CLogicText vector(std::string(width, '0'));
         if (m_Random() % 2 == 0) {
             std::string letters;
             for (std::size_t i = 0; i < width; ++i) {
                 letters += "01zx"[m_Random() % 4];
             }
-            vector = CLogicText(letters);
-            EntryPoint(marlune_dpi_memory_write, "marlune_dpi_memory_write")(m_Names[index].c_str(), address,
-                                                                             vector.m_Records.data());
+            DpiWrite(m_Names[index], address, letters);
             if (inside) {
                 for (char& letter : letters) {
                     letter = letter == '1' ? '1' : '0';
@@ -173,25 +142,23 @@ private:
                 model.Complain(address, "Not writing anything.");
             }
         } else {
-            EntryPoint(marlune_dpi_memory_read, "marlune_dpi_memory_read")(m_Names[index].c_str(), address,
-                                                                           vector.m_Records.data());
+            const std::string letters = DpiRead(m_Names[index], address, std::string(width, '0'));
             if (!inside) {
                 model.Complain(address, "Returning 0.");
             }
-            ASSERT_EQ(vector.Letters(), inside ? model.Cell(address).substr(1024 - width) : std::string(width, '0'));
+            ASSERT_EQ(letters, inside ? model.Cell(address).substr(1024 - width) : std::string(width, '0'));
         }
         ASSERT_EQ(m_Simulator.TakeTranscript(), std::exchange(model.m_Transcript, ""));
     }
 
     /// Calls that fail leave everything as it was.
     void Fail() {
-        CLogicText vector("0000");
         switch (m_Random() % 4) {
         case 0:
             m_Simulator.Elaborate(MemoryInit(), "/tb/u0.mem", m_Random() % 2 == 0 ? "0 8" : "0 0 16", {"CLK"}, "u0.");
             break;
         case 1:
-            EntryPoint(marlune_dpi_memory_read, "marlune_dpi_memory_read")("tb_none", 0, vector.m_Records.data());
+            DpiRead("tb_none", 0, "0000");
             break;
         case 2:
             EntryPoint(marlune_dpi_memory_init, "marlune_dpi_memory_init")(m_Names[0].c_str(), "/no/such/file", "ram",

@@ -10,7 +10,7 @@ trap 'rm -rf "$work"' EXIT
 cd "$work"
 ln -s "$sources" source
 ln -s "$libraries" libraries
-ln -s source/tests/hdl/image.vexon .
+ln -s source/tests/data/two_memories.vexon image.vexon
 root=source here=source/tests/hdl build=libraries
 
 fail() {

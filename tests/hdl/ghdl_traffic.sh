@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# GHDL: the same random traffic through VPI, through direct calls and through a model, in one simulation.
+# GHDL: the same random traffic through VPI and through direct calls, in one simulation.
 #
 # usage: ghdl_traffic.sh BUILD-FOLDER
 source "$(dirname "$0")/common.sh"

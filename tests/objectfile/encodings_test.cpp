@@ -48,20 +48,16 @@ TEST(BinaryDigits, Conversions) {
 
 TEST(TimeStamp, LocalTime) {
     std::tm time{};
-    time.tm_year = 114;
-    time.tm_mon = 2;
-    time.tm_mday = 7;
-    time.tm_hour = 16;
-    time.tm_min = 5;
-    time.tm_sec = 59;
+    const char* const text = "2014.03.07:16:05:59";
+    strptime(text, "%Y.%m.%d:%T", &time);
     time.tm_isdst = -1;
-    EXPECT_EQ(CTimeStamp::ToString(static_cast<long>(CTimeStamp(time).GetTime())), "2014.03.07:16:05:59");
+    EXPECT_EQ(CTimeStamp::ToString(static_cast<long>(CTimeStamp(time).GetTime())), text);
     time.tm_year = 10;
     EXPECT_THROW(CTimeStamp{time}, invalid_format);
 #if __LONG_MAX__ > 0x7FFFFFFF
     EXPECT_THROW(CTimeStamp::ToString(0x7FFFFFFFFFFFFFFFL), invalid_format);
     EXPECT_THROW(CTimeStamp::ToString(300000000000L), invalid_format); // a year of five digits
 #endif
-    EXPECT_EQ(CTimeStamp::Parse("2014.03.07:16:05:59"), -1);
+    EXPECT_EQ(CTimeStamp::Parse(text), -1);
     EXPECT_EQ(CTimeStamp().GetTime(), -1);
 }

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <tuple>
-#include <typeinfo>
 
 #include "tests/objectfile/testfile.h"
 
@@ -62,21 +61,6 @@ TEST(ObjectFile, RecordsThatCannotBeSaved) {
     if (std::filesystem::exists("/dev/full")) {
         EXPECT_FALSE(CObjectFile().SaveFile("/dev/full"));
     }
-}
-
-TEST(ObjectFile, LoadFileReportsErrorsInItsOwnWay) {
-    CObjectFile objectFile;
-    const CTestFile file("no object file\n");
-    const std::string output = ErrorOutput([&] {
-        try {
-            objectFile.LoadFile(file.Path());
-            FAIL();
-        } catch (const std::exception& error) {
-            EXPECT_EQ(typeid(error), typeid(std::exception));
-        }
-    });
-    EXPECT_EQ(output, "Error: Object file " + file.Path() + " contains errors and could not be loaded.\n");
-    EXPECT_EQ(objectFile.GetFileName(), file.Path());
 }
 
 TEST(ObjectFile, TheDocumentedFileLoads) {

@@ -106,15 +106,6 @@ void CSimulator::Set(const CChanges& changes) {
     RunDeltas(positions);
 }
 
-void CSimulator::Edge(const CChanges& changes) {
-    AdvanceTo(m_Now + 9);
-    Set(changes);
-    AdvanceTo(m_Now + 1);
-    Set({{"CLK", "1"}});
-    AdvanceTo(m_Now + 5);
-    Set({{"CLK", "0"}});
-}
-
 void CSimulator::RunDeltas(CChanges changes) {
     while (!changes.empty()) {
         std::vector<mtiProcessIdT> woken;

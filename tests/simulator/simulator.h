@@ -68,8 +68,6 @@ public:
     using CChanges = std::vector<std::pair<std::string, std::string>>;
     void Set(const CChanges& changes);
     void AdvanceTo(int time) { m_Now = time; }
-    /// A rising edge of CLK ten time units from now, with the changes right before it; CLK falls five units later.
-    void Edge(const CChanges& changes = {});
 
     void Quit() { RunCallbacks(m_QuitCallbacks); }
     void Restart() { RunCallbacks(m_RestartCallbacks); }

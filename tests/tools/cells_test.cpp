@@ -1,17 +1,16 @@
 // The image tool's cells.
 #include "tools/cells.h"
 
+#include <bitset>
 #include <random>
 
 #include <gtest/gtest.h>
 
-#include "marlune_int"
 #include "tests/flimemory/loadmodel.h"
 
 namespace {
 
 using marlune::tool::CLoadedCells;
-using CWord = marlune::marlune_int<1024, true>;
 
 TEST(LoadedCells, AgreeWithAModelOfTheLoad) {
     std::mt19937 random(11);
@@ -22,11 +21,10 @@ TEST(LoadedCells, AgreeWithAModelOfTheLoad) {
         const auto width = static_cast<unsigned>(wordBitSize / bytesPerWord);
         ObjectFile::CObjectFile file;
         AddRandomSections(file, random, wordBitSize, bytesPerWord);
-        const CWindow window = RandomWindow(random);
+        const CLoadWindow window = RandomWindow(random);
         const auto size = random() % 4 == 0 ? 0xFFFFFFFF : static_cast<std::uint32_t>(random() % 200);
-        const auto expected = ExpectedCells(file, window, size);
-        const CLoadedCells cells(file, "ram", width, size,
-                                 {window.m_CellBase, window.m_Low, window.m_High, window.m_Phase, window.m_Stride});
+        const auto expected = ExpectedLoad(file, "ram", window, width, size, false).m_Cells;
+        const CLoadedCells cells(file, "ram", width, size, window);
 
         std::uint64_t loaded = 0;
         for (const CLoadedCells::CRun& run : cells.Runs()) {
@@ -38,12 +36,12 @@ TEST(LoadedCells, AgreeWithAModelOfTheLoad) {
                 cells.Read(first, count, limbs.data());
                 for (std::uint32_t i = 0; i < count; ++i) {
                     const auto found = expected.find(first + i);
-                    const CWord word = found == expected.end() ? CWord() : CWord("0b" + found->second);
-                    for (unsigned limb = 0; limb < 2 * cells.LimbsPerCell(); ++limb) {
-                        const std::uint64_t pair = limbs[i * cells.LimbsPerCell() + limb / 2];
-                        ASSERT_EQ(static_cast<std::uint32_t>(pair >> (limb % 2 * 32)), word.Limb(limb)) << first + i;
-                        ASSERT_TRUE(word.IsZeroFrom(0) || !cells.IsZero(first, count));
+                    const std::bitset<128> word(found == expected.end() ? "" : found->second);
+                    for (unsigned limb = 0; limb < cells.LimbsPerCell(); ++limb) {
+                        const auto wanted = (word >> (64 * limb) & std::bitset<128>(~std::uint64_t{0})).to_ullong();
+                        ASSERT_EQ(limbs[i * cells.LimbsPerCell() + limb], wanted) << first + i;
                     }
+                    ASSERT_TRUE(word.none() || !cells.IsZero(first, count));
                 }
                 first += count;
             }

@@ -1,63 +1,15 @@
-// Dense and sparse cells.
-#include "src/flimemory/storage.h"
+// Sparse cells.
+#include "src/flimemory/sparsecells.h"
 
 #include <map>
 #include <random>
 
 #include <gtest/gtest.h>
 
-#include "tests/simulator/simulator.h"
-
 namespace {
 
 using marlune::foreign::fli::CSparseCells;
-using marlune::foreign::fli::CStorage;
-using CWord = CStorage::CWord;
-
-TEST(Storage, ChoosesItsRepresentation) {
-    const CStorage narrow("top/narrow", 64, 16);
-    EXPECT_TRUE(narrow.m_Words64 != nullptr && narrow.m_WordsWide == nullptr);
-    const CStorage wide("top/wide", 65, 16);
-    EXPECT_TRUE(wide.m_Words64 == nullptr && wide.m_WordsWide != nullptr);
-    const CStorage empty("top/empty", 8, 0);
-    EXPECT_TRUE(empty.m_Words64 != nullptr);
-    for (const unsigned width : {8U, 128U}) {
-        const CStorage sparse("top/sparse", width, 0xFFFFFFFF);
-        EXPECT_TRUE(sparse.m_Words64 == nullptr && sparse.m_WordsWide == nullptr && sparse.m_Contents.empty());
-    }
-}
-
-TEST(Storage, KeepsWhatTheRepresentationHolds) {
-    const CWord ones(-1);
-    CStorage narrow("narrow", 8, 4);
-    narrow.Write(3, ones); // not cut to the byte's width, and not negative when it comes back
-    EXPECT_TRUE(narrow.Read(3) == CWord::FromUnsigned(0xFFFFFFFFFFFFFFFF));
-    EXPECT_TRUE(narrow.Read(2) == CWord());
-    CStorage wide("wide", 128, 4);
-    wide.Write(3, ones);
-    EXPECT_TRUE(wide.Read(3) == ones);
-    EXPECT_TRUE(wide.Read(2) == CWord());
-    CStorage sparse("sparse", 8, 0xFFFFFFFF);
-    sparse.Write(0xFFFFFFFE, ones);
-    EXPECT_TRUE(sparse.Read(0xFFFFFFFE) == ones);
-    EXPECT_TRUE(sparse.Read(5) == CWord());
-    EXPECT_EQ(sparse.m_Contents.count(5), 1U); // reading makes the cell
-    EXPECT_EQ(sparse.m_Contents.count(6), 0U);
-}
-
-TEST(Storage, ReportsAccessesOutside) {
-    CSimulator simulator;
-    CStorage dense("top/mem", 8, 16);
-    dense.Write(0xFFFFFFFF, CWord(1));
-    EXPECT_TRUE(dense.Read(0x80000000) == CWord());
-    CStorage sparse("sparse", 8, 0xFFFFFFFF);
-    sparse.Write(0xFFFFFFFF, CWord(1));
-    EXPECT_TRUE(sparse.m_Contents.empty());
-    EXPECT_EQ(simulator.TakeTranscript(),
-              "error: 'top/mem': Access outside of memory, address: -1, max value: 16. Not writing anything.\n"
-              "error: 'top/mem': Access outside of memory, address: -2147483648, max value: 16. Returning 0.\n"
-              "error: 'sparse': Access outside of memory, address: -1, max value: -1. Not writing anything.\n");
-}
+using CWord = CSparseCells::CWord;
 
 TEST(SparseCells, AreAnOrderedMap) {
     std::mt19937 random(3);
