@@ -57,7 +57,6 @@ set(public_headers
     objectfile/section.h
     objectfile/sectioncontainer.h
     objectfile/sectiondata.h
-    objectfile/seededhash.h
     objectfile/sharedtext.h
     objectfile/streams.h
     objectfile/symbol.h

@@ -3,6 +3,7 @@
 #define MARLUNE_ELFTOVEXON_ELFTOVEXON_H
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,7 +16,6 @@
 #include "elftovexon/elffile.h"
 #include "elftovexon/segmentindex.h"
 #include "objectfile/objectfile.h"
-#include "objectfile/seededhash.h"
 #include "objectfile/sharedtext.h"
 
 /// Base of the converters into the object model.
@@ -146,7 +146,7 @@ private:
     std::vector<Elf64_Sym> m_Symbols;
     std::vector<RelocationContents> m_Relocations;
     std::vector<std::string> m_SectionNames;
-    std::unordered_map<std::string_view, int, ObjectFile::CSeededHash> m_SectionIndices; // the first of each name
+    std::map<std::string_view, int> m_SectionIndices; // the first of each name
 
     // While symbols are converted
     std::unordered_map<unsigned, ObjectFile::CSection*> m_ConvertedSections; // by ELF index

@@ -3,6 +3,7 @@
 #define MARLUNE_OBJECTFILE_SYMBOLTABLE_H
 
 #include <deque>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -10,7 +11,6 @@
 #include <vector>
 
 #include "objectfile/persistentobject.h"
-#include "objectfile/seededhash.h"
 #include "objectfile/symbol.h"
 
 namespace ObjectFile {
@@ -59,8 +59,8 @@ private:
 
     using CSymbols = std::vector<std::unique_ptr<CSymbol>>;
     struct CIndex {
-        std::unordered_map<std::string_view, CSymbol*, CSeededHash> m_ByName; // views of the symbols' names
-        std::unordered_map<const CSymbol*, int> m_ByAddress;                  // of the first symbols; filled on demand
+        std::map<std::string_view, CSymbol*> m_ByName;       // views of the symbols' names
+        std::unordered_map<const CSymbol*, int> m_ByAddress; // of the first symbols; filled on demand
     };
     struct CContents {
         CSymbols m_Symbols;
