@@ -103,6 +103,14 @@ TEST(ElfToVexon, RejectsWhatIsWrong) {
     CElfBuilder elf = Everything();
     elf.Add("rela", SHT_RELA);
     EXPECT_EQ(ErrorOf([&] { LoadElf(elf); }), "basic_string::substr");
+
+    elf.AddSymbol("start of all", STB_GLOBAL, STT_FUNC, elf.Index(".text@rom")); // the second one
+    const CTestFile file(elf.Bytes());
+    ElfToVexon converter(file.Path().c_str());
+    for (int i = 0; i < 2; ++i) { // and once more, when the first object is gone
+        EXPECT_THROW(converter.Convert(), ObjectFile::general_error);
+        delete converter.ReleaseConvertedVexon();
+    }
 }
 
 TEST(ElfToVexon, AcceptsWhatIsOnlyUnusual) {

@@ -102,4 +102,14 @@ TEST(Relocation, FieldsAtTheEdges) {
             std::tie(test.m_Size, test.m_Low, test.m_High, test.m_Address);
         EXPECT_EQ(ErrorOf([&] { fixture.m_Section->SetRelocData(&r, 0); }), test.m_Error) << &test - cases;
     }
+    CSection lines(CSection::TYPE_DATA, "s", {8, 1, BO_BIG, ""});
+    lines.AddData("000000000000000000000000");
+    for (int i = 0; i < 3; ++i) {
+        lines.GetSectionData()->SetWord(i, "1"); // too short to take what is written
+    }
+    CRelocation relocation = fixture.m_Relocation;
+    std::tie(relocation.m_SizeInBytes, relocation.m_LowBit, relocation.m_HighBit) = std::tuple(3, 0, 2);
+    relocation.m_Address = 0;
+    EXPECT_EQ(ErrorOf([&] { lines.SetRelocData(&relocation, 0); }), "Address out of range while reading byte");
+    EXPECT_EQ(lines.GetSectionData()->GetWord(0), "1");
 }

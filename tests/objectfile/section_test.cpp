@@ -63,6 +63,10 @@ TEST(SectionData, AddressesOutsideAreRefused) {
     }
     data.FillZero(2000000000);
     EXPECT_THROW(data.FillZero(200000000), general_error);
+    CSectionData lines(8, 1);
+    lines.Add("1"); // a line without a whole byte
+    EXPECT_THROW(lines.FillZero(2147483647), general_error);
+    EXPECT_EQ(lines.Count(), 1);
     EXPECT_THROW(CSectionData(0, 0).Add("1"), invalid_format);
     EXPECT_THROW(CSectionData(4, 8).FillZero(1), invalid_format);
 }
