@@ -37,7 +37,7 @@ public:
     }
 
     std::optional<std::string> FindForeignText(vpiHandle scope) const override {
-        vpiHandle net = FindObject(vpiNet, scope, FOREIGN_OBJECT);
+        vpiHandle net = FindObject(vpiNet, scope, "marlune_foreign"); // all names are in lower case
         return net != nullptr ? std::optional(TextOfBits(net)) : std::nullopt;
     }
 
@@ -52,7 +52,7 @@ public:
         return ports;
     }
 
-    void MarkServed(vpiHandle scope) const override { PutOne(FindObject(vpiNet, scope, SERVED_OBJECT)); }
+    void MarkServed(vpiHandle scope) const override { PutOne(FindObject(vpiNet, scope, "marlune_served")); }
 };
 
 } // namespace

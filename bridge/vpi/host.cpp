@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include <strings.h>
-
 #include "bridge/core/failure.h"
 #include "bridge/core/foreignlibrary.h"
 #include "bridge/core/foreigntext.h"
@@ -64,7 +62,7 @@ std::vector<vpiHandle> GetObjects(PLI_INT32 type, vpiHandle scope) {
 
 vpiHandle FindObject(PLI_INT32 type, vpiHandle scope, const std::string& name) {
     for (vpiHandle object : GetObjects(type, scope)) {
-        if (strcasecmp(GetText(vpiName, object).c_str(), name.c_str()) == 0) {
+        if (GetText(vpiName, object) == name) {
             return object;
         }
     }

@@ -14,11 +14,6 @@
 
 namespace marlune::bridge {
 
-/// The object of an instance whose value is the text of its foreign attribute.
-constexpr const char* FOREIGN_OBJECT = "MARLUNE_FOREIGN";
-
-/// The object of an instance that is 1 once the instance has been elaborated. Its module ends the simulation otherwise.
-constexpr const char* SERVED_OBJECT = "MARLUNE_SERVED";
 
 /// A port of an instance: the net or variable inside of it.
 struct CVpiPort {
@@ -48,15 +43,16 @@ protected:
     /// The scopes directly inside a scope; the topmost ones for null.
     virtual std::vector<vpiHandle> GetScopes(vpiHandle scope) const = 0;
 
-    /// The value of the scope's own FOREIGN_OBJECT, nothing if it has none.
+    /// The value of the scope's own MARLUNE_FOREIGN, the text of its foreign attribute; nothing if it has none.
     virtual std::optional<std::string> FindForeignText(vpiHandle scope) const = 0;
 
+    /// The ports that the simulator shows, in the module's order. Warns of those that it does not.
     virtual std::vector<CVpiPort> GetPorts(vpiHandle scope) const = 0;
 
     /// The value of the scope's numeric parameter of that name, nothing if the simulator shows none.
     virtual std::optional<unsigned> FindNumber(vpiHandle scope, const char* name) const;
 
-    /// Sets the scope's own SERVED_OBJECT, if it has one.
+    /// Sets the scope's own MARLUNE_SERVED, if it has one. If that is not set, the module ends the simulation.
     virtual void MarkServed(vpiHandle scope) const = 0;
 
 private:
@@ -106,7 +102,7 @@ void PutOne(vpiHandle object);
 /// All objects of a kind in a scope.
 std::vector<vpiHandle> GetObjects(PLI_INT32 type, vpiHandle scope);
 
-/// The one of them with the name, upper or lower case; null if there is none.
+/// The one of them with the name, in exactly this case; null if there is none.
 vpiHandle FindObject(PLI_INT32 type, vpiHandle scope, const std::string& name);
 
 } // namespace marlune::bridge

@@ -1,4 +1,5 @@
 // Icarus Verilog as a host.
+#include "bridge/core/failure.h"
 #include "bridge/vpi/host.h"
 
 namespace marlune::bridge {
@@ -27,7 +28,7 @@ public:
     }
 
     std::optional<std::string> FindForeignText(vpiHandle scope) const override {
-        vpiHandle parameter = FindObject(vpiParameter, scope, FOREIGN_OBJECT);
+        vpiHandle parameter = FindObject(vpiParameter, scope, "MARLUNE_FOREIGN");
         return parameter != nullptr ? std::optional(GetTextValue(parameter)) : std::nullopt;
     }
 
@@ -36,11 +37,11 @@ public:
         std::vector<CVpiPort> ports;
         for (vpiHandle port : GetObjects(vpiPort, scope)) {
             const std::string name = GetText(vpiName, port);
-            for (const PLI_INT32 type : {vpiNet, vpiReg, vpiRealVar}) {
-                if (vpiHandle object = FindObject(type, scope, name)) {
-                    ports.push_back({name, object});
-                    break;
-                }
+            if (vpiHandle object = FindNetOrVariable(scope, name)) {
+                ports.push_back({name, object});
+            } else {
+                PrintWarning(GetText(vpiFullName, scope),
+                             "port '" + name + "' is not used: it is not a net or a variable of its own name.");
             }
         }
         return ports;
@@ -56,7 +57,18 @@ public:
         return static_cast<unsigned>(value.value.integer);
     }
 
-    void MarkServed(vpiHandle scope) const override { PutOne(FindObject(vpiReg, scope, SERVED_OBJECT)); }
+    void MarkServed(vpiHandle scope) const override { PutOne(FindObject(vpiReg, scope, "MARLUNE_SERVED")); }
+
+private:
+    static vpiHandle FindNetOrVariable(vpiHandle scope, const std::string& name) {
+        for (const PLI_INT32 type : {vpiNet, vpiReg, vpiBitVar, vpiByteVar, vpiShortIntVar, vpiIntVar, vpiLongIntVar,
+                                     vpiIntegerVar, vpiRealVar}) {
+            if (vpiHandle object = FindObject(type, scope, name)) {
+                return object;
+            }
+        }
+        return nullptr;
+    }
 };
 
 } // namespace

@@ -18,6 +18,7 @@ namespace marlune::bridge {
 namespace {
 
 constexpr PLI_INT32 RECORD_BITS = 32;
+constexpr std::size_t REQUIRED_TEXTS = 2; // a path and a file; an address space may have no name
 
 /// The call that runs, with its arguments.
 class CCall {
@@ -35,7 +36,13 @@ public:
     }
     PLI_INT32 GetSize(std::size_t index) const { return vpi_get(vpiSize, m_Arguments[index]); }
 
-    std::string GetTextValue(std::size_t index) const { return bridge::GetTextValue(m_Arguments[index]); }
+    std::string GetTextValue(std::size_t index) const {
+        const std::string text = bridge::GetTextValue(m_Arguments[index]);
+        if (text.empty() && index < REQUIRED_TEXTS) {
+            Refuse(index, "must be a text");
+        }
+        return text;
+    }
 
     /// An unsigned number of 32 bits, or the default when there is no such argument.
     std::uint32_t GetNumber(std::size_t index, std::uint32_t otherwise = 0) const {

@@ -1,5 +1,5 @@
-// A copy of hdl/marlune_memory.sv with two read ports, a write port and a shared port. common.sh appends what is the
-// same for all copies.
+// A copy of hdl/marlune_memory.sv with two read ports, whose prefixes differ in case only, a write port and a shared
+// port. common.sh appends what is the same for all copies.
 /* verilator lint_off TIMESCALEMOD */
 module all_ports #(
     parameter ADDRESS_BITS = 4,
@@ -11,9 +11,9 @@ module all_ports #(
     input                     a_RE0,
     input  [ADDRESS_BITS-1:0] a_RA0,
     output [DATA_BITS-1:0]    a_Q0,
-    input  [1:0]              b_RE0,
-    input  [ADDRESS_BITS-1:0] b_RA0,
-    output                    b_Q0,
+    input  [1:0]              A_RE0,
+    input  [ADDRESS_BITS-1:0] A_RA0,
+    output                    A_Q0,
     input  [1:0]              c_WE0,
     input  [ADDRESS_BITS-1:0] c_WA0,
     input  [DATA_BITS-1:0]    c_D0,
@@ -25,7 +25,7 @@ module all_ports #(
 
 `define MARLUNE_PORTS \
     `MARLUNE_INPUT(a_RE0) `MARLUNE_INPUT(a_RA0) `MARLUNE_OUTPUT(a_Q0) \
-    `MARLUNE_INPUT(b_RE0) `MARLUNE_INPUT(b_RA0) `MARLUNE_OUTPUT(b_Q0) \
+    `MARLUNE_INPUT(A_RE0) `MARLUNE_INPUT(A_RA0) `MARLUNE_OUTPUT(A_Q0) \
     `MARLUNE_INPUT(c_WE0) `MARLUNE_INPUT(c_WA0) `MARLUNE_INPUT(c_D0) \
     `MARLUNE_INPUT(d_CS0) `MARLUNE_INPUT(d_WE0) `MARLUNE_INPUT(d_A0) `MARLUNE_INPUT(d_D0) `MARLUNE_OUTPUT(d_Q0)
 
