@@ -51,11 +51,12 @@ module marlune_memory #(
 `define MARLUNE_INPUT(port)
 `define MARLUNE_OUTPUT(port) + $bits(port)
   localparam OUTPUT_BITS = 0 `MARLUNE_PORTS;
+  localparam OUTPUT_WIRES = OUTPUT_BITS > 0 ? OUTPUT_BITS : 1;
 `undef MARLUNE_INPUT
 `undef MARLUNE_OUTPUT
 
   wire [INPUT_BITS-1:0] inputs;
-  wire [OUTPUT_BITS-1:0] outputs;
+  wire [OUTPUT_WIRES-1:0] outputs;
   wire unused;
 
 `define MARLUNE_INPUT(port)  , port
@@ -66,12 +67,12 @@ module marlune_memory #(
 
 `define MARLUNE_INPUT(port)
 `define MARLUNE_OUTPUT(port) , port
-  assign {unused `MARLUNE_PORTS} = {1'b0, outputs};
+  assign {unused `MARLUNE_PORTS} = (OUTPUT_BITS + 1)'(outputs);
 `undef MARLUNE_INPUT
 `undef MARLUNE_OUTPUT
 `undef MARLUNE_PORTS
 
-  marlune_ports #(PARAMETERS, MODE, DATA_BITS, ADDRESS_BITS, NAMES, WIDTHS, INPUT_BITS, OUTPUT_BITS)
+  marlune_ports #(PARAMETERS, MODE, DATA_BITS, ADDRESS_BITS, NAMES, WIDTHS, INPUT_BITS, OUTPUT_WIRES)
       memory (CLK, inputs, outputs);
 
 endmodule
