@@ -57,6 +57,7 @@ package marlune_dpi;
   // and so on into cells 0, 1, and so on.
   function automatic void load_bank(string path, string file, string address_space, int unsigned bank,
                                     int unsigned banks, int unsigned base = 0);
+    if (banks > 0 && bank >= banks) $fatal(1, "%s: there is no bank %0d of %0d.", path, bank, banks);
     marlune_dpi_memory_init({path, ".RAM"}, file, address_space, 0, base, 32'hFFFF_FFFF, bank, banks);
   endfunction
 
@@ -88,6 +89,7 @@ endpackage
 //
 // PORTS has the names of all ports but CLK, each followed by a blank. WIDTHS has their widths in bits, 32 bits each,
 // after 32 bits of 0. `inputs` and `outputs` have their values. All begin with the first port.
+/* verilator lint_off DECLFILENAME */ // in one file with its package
 module marlune_ports #(
     parameter string PARAMETERS = "",
     parameter MODE = 0,
@@ -114,27 +116,31 @@ module marlune_ports #(
       input chandle memory, input real now, input bit clk, output bit [OUTPUT_BITS-1:0] outputs);
 
   // Not in an initial block, because the test bench may load the memory in one.
-  chandle memory = marlune_sv_open($sformatf("%m"), PARAMETERS, MODE, DATA_BITS, ADDRESS_BITS, PORTS, WIDTHS);
+  chandle handle = marlune_sv_open($sformatf("%m"), PARAMETERS, MODE, DATA_BITS, ADDRESS_BITS, PORTS, WIDTHS);
 
   bit [OUTPUT_BITS-1:0] at_rise, at_look, risen, looked;
   longint unsigned rise_stamp, look_stamp, rise, look;
 
+  /* verilator lint_off BLKSEQ */ // of what the calls return
+
   // The stamp differs from edge to edge. It makes the inputs be reported after each edge, changed or not: when the
   // registers of the same clock have their new values, and again for each later change.
   always @(posedge CLK) begin
-    rise = marlune_sv_rise(memory, $realtime, risen);
+    rise = marlune_sv_rise(handle, $realtime, risen);
     at_rise <= risen;
     rise_stamp <= rise;
   end
 
-  always @* marlune_dpi::turn = marlune_sv_inputs(memory, $realtime, rise_stamp, inputs);
+  always @* marlune_dpi::turn = marlune_sv_inputs(handle, $realtime, rise_stamp, inputs);
 
   // Fetches outputs that have changed after the rise, as they do in mode 0. In mode 1 this seldom runs.
   always @(marlune_dpi::turn) begin
-    look = marlune_sv_look(memory, $realtime, CLK, looked);
+    look = marlune_sv_look(handle, $realtime, CLK, looked);
     at_look <= looked;
     look_stamp <= look;
   end
+
+  /* verilator lint_on BLKSEQ */
 
   assign outputs = look_stamp > rise_stamp ? at_look : at_rise;
 

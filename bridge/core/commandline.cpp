@@ -87,6 +87,9 @@ CDumpOption ReadDump(const std::string& argument) {
     if (parts.size() == 4) {
         option.m_First = ReadNumber(argument, parts[2]);
         option.m_Last = ReadNumber(argument, parts[3]);
+        if (option.m_First > option.m_Last) {
+            Refuse(argument, "the first address must not be above the last one");
+        }
     }
     return option;
 }

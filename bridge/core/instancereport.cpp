@@ -36,11 +36,15 @@ std::vector<CPortGroup> GroupsOf(const mtiRegionIdTag& region) {
     return region.m_Ports.empty() ? std::vector<CPortGroup>() : DescribeGroups(region.m_Ports.data());
 }
 
+constexpr std::size_t ROLE_LENGTH = 3; // of the longest roles
+
+bool HasRole(const std::string& name, const char* role) {
+    return name.size() >= ROLE_LENGTH && strcasecmp(name.c_str() + name.size() - ROLE_LENGTH, role) == 0;
+}
+
 /// RE0 has no effect, and CLK belongs to no group.
 bool MayBeUnused(const std::string& name) {
-    constexpr std::size_t LENGTH = 3;
-    return name.size() >= LENGTH &&
-           (strcasecmp(name.c_str() + name.size() - LENGTH, "RE0") == 0 || strcasecmp(name.c_str(), "CLK") == 0);
+    return HasRole(name, "RE0") || strcasecmp(name.c_str(), "CLK") == 0;
 }
 
 /// The group of the prefix that lacks the fewest ports; null if there is none.
@@ -104,7 +108,24 @@ std::string DescribeWrongParameter(const std::string& parameters) {
     return "";
 }
 
-void WarnOfUnusedPorts(const mtiRegionIdTag& region) {
+std::string DescribeShortPort(const mtiRegionIdTag& region) {
+    for (const mtiSignalIdTag& signal : region.m_Signals) {
+        if (signal.m_Name.size() < ROLE_LENGTH) {
+            return "Port '" + signal.m_Name + "' needs a prefix, as in 'a_" + signal.m_Name + "'.";
+        }
+    }
+    return "";
+}
+
+void WarnOfPorts(const mtiRegionIdTag& region) {
+    for (const mtiSignalIdTag& signal : region.m_Signals) {
+        if (signal.m_IsUsed && signal.m_Type.m_Length > 1 &&
+            (HasRole(signal.m_Name, "WE0") || HasRole(signal.m_Name, "CS0"))) {
+            PrintWarning(region.m_Path, "port '" + signal.m_Name + "' has " + std::to_string(signal.m_Type.m_Length) +
+                                            " bits and is active only if its whole value is 1. "
+                                            "For byte enables use a memory for each byte.");
+        }
+    }
     std::vector<std::pair<std::string, std::vector<std::string>>> unused; // names by prefix, in the order of the ports
     for (const mtiSignalIdTag& signal : region.m_Signals) {
         if (signal.m_IsUsed || MayBeUnused(signal.m_Name)) {

@@ -15,8 +15,11 @@ void CheckWidth(const mtiRegionIdTag& region);
 /// Which of the three parameters is not a literal, and its text; empty if all are valid.
 std::string DescribeWrongParameter(const std::string& parameters);
 
-/// Warns of ports that belong to no complete group.
-void WarnOfUnusedPorts(const mtiRegionIdTag& region);
+/// Warns of ports that belong to no complete group, and of enables that more than one bit makes unlike what they seem.
+void WarnOfPorts(const mtiRegionIdTag& region);
+
+/// Which port has a name that is shorter than a role, and the remedy; empty if none has.
+std::string DescribeShortPort(const mtiRegionIdTag& region);
 
 /// One line: path, name for test bench access, mode, width, size and port groups.
 std::string DescribeInstance(const mtiRegionIdTag& region);

@@ -26,13 +26,25 @@ namespace {
 std::string Explain(std::string_view message) {
     constexpr std::string_view LITERAL = "include/number_cast(";
     constexpr std::string_view NO_MEMORY = "General error: Cannot find memory object with name '";
-    if (message.substr(0, LITERAL.size()) == LITERAL && marlune::bridge::g_Current != nullptr) {
-        return "\n  " + marlune::bridge::DescribeWrongParameter(marlune::bridge::g_Current->m_Parameters);
+    const auto beginsWith = [&](std::string_view text) { return message.substr(0, text.size()) == text; };
+    const mtiRegionIdT current = marlune::bridge::g_Current;
+    if (beginsWith(LITERAL) && current != nullptr) {
+        return "\n  " + marlune::bridge::DescribeWrongParameter(current->m_Parameters);
     }
-    if (message.substr(0, NO_MEMORY.size()) == NO_MEMORY) {
+    if (beginsWith(NO_MEMORY)) {
         message.remove_prefix(NO_MEMORY.size());
         const std::string name(message.substr(0, message.rfind('\'')));
         return "\n  " + marlune::bridge::DescribeClosest(GetSimulation().GetInstances(), name);
+    }
+    if (message == "basic_string::substr" && current != nullptr && current->m_Processes.empty()) {
+        return "\n  " + marlune::bridge::DescribeShortPort(*current);
+    }
+    if (message == "std::exception") {
+        return "\n  The image is malformed: 'marlune-image check FILE' finds the line.";
+    }
+    if (beginsWith("General error: Incorrect architecture") || beginsWith("General error: Unsupported ELF class")) {
+        return "\n  Convert programs of other toolchains: 'marlune-image convert FILE IMAGE --space NAME --width "
+               "BITS'.";
     }
     return "";
 }

@@ -59,7 +59,13 @@ void CSimulation::Elaborate(mtiRegionIdTag& region, CInitFunction init, const st
         init(&region, text.data(), nullptr, region.m_Ports.data());
     }
     if (region.m_IsMemory) {
-        WarnOfUnusedPorts(region);
+        mtiRegionIdT& known = m_Memories[region.m_Name];
+        if (known != nullptr) {
+            PrintWarning(region.m_Path, "'" + known->m_Path + "' has the same name for test bench access, '" +
+                                            region.m_Name + "', and cannot be reached any more.");
+        }
+        known = &region;
+        WarnOfPorts(region);
         LoadFromCommandLine(region);
     }
 }
@@ -129,13 +135,22 @@ void CSimulation::Quit() {
     if (!m_IsStarted && !HasFailed()) { // nothing ever ran
         Start();
     }
-    for (const CDumpOption& option : m_Options.m_Dumps) {
-        if (FindInstance(option.m_Path) != nullptr) {
-            Dump(option.m_Path, option.m_File, option.m_First, option.m_Last);
-        }
-    }
+    WriteDumps();
     for (const CCallback& callback : m_QuitCallbacks) {
         callback.m_Function(callback.m_Argument);
+    }
+}
+
+void CSimulation::WriteDumps() {
+    for (const CDumpOption& option : m_Options.m_Dumps) {
+        const mtiRegionIdT region = FindInstance(option.m_Path);
+        if (region == nullptr) {
+            continue; // reported at the start
+        }
+        if (region->m_IsMemory && !region->m_Processes.empty()) { // not if its elaboration failed
+            marlune_direct_commit(region->m_Processes.back().m_Argument);
+        }
+        Dump(option.m_Path, option.m_File, option.m_First, option.m_Last);
     }
 }
 

@@ -3,6 +3,7 @@
 #define MARLUNE_BRIDGE_CORE_SIMULATION_H
 
 #include <deque>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -69,6 +70,7 @@ public:
 
 private:
     void LoadFromCommandLine(mtiRegionIdTag& region);
+    void WriteDumps();
 
     struct CCallback {
         mtiVoidFuncPtrT m_Function;
@@ -77,6 +79,7 @@ private:
 
     std::unique_ptr<CHost> m_Host;
     std::deque<mtiRegionIdTag> m_Regions;
+    std::map<std::string, mtiRegionIdT> m_Memories; // by the library's name
     std::deque<mtiDriverIdTag> m_Drivers;
     std::vector<CCallback> m_QuitCallbacks;
     COptions m_Options;

@@ -101,15 +101,17 @@ private:
 mtiRegionIdT FindInstance(const std::string& path) {
     const std::string name = NameOf(path);
     mtiRegionIdT found = nullptr;
+    int count = 0;
     for (mtiRegionIdTag& region : GetSimulation().GetInstances()) {
         if (region.m_Name == name) {
             return &region;
         }
         if (strcasecmp(region.m_Name.c_str(), name.c_str()) == 0) {
             found = &region;
+            ++count;
         }
     }
-    return found;
+    return count == 1 ? found : nullptr;
 }
 
 void LoadByName(const char* name, const char* file, const char* addressSpace, std::uint32_t cellBase,
@@ -125,6 +127,9 @@ void Load(const std::string& path, const std::string& file, const std::string& a
           std::uint32_t bank, std::uint32_t banks) {
     constexpr std::uint32_t LAST_ADDRESS = 0xFFFFFFFF;
     const CAccess access(path);
+    if (banks > 0 && bank >= banks) { // the library refuses 0 banks
+        Fail(GetCurrentPath(), "There is no bank " + std::to_string(bank) + " of " + std::to_string(banks) + ".");
+    }
     const std::string memory = access.GetName() + "_RAM"; // which the library cuts off
     LoadByName(memory.c_str(), file.c_str(), addressSpace.c_str(), 0, base, LAST_ADDRESS, bank, banks);
 }

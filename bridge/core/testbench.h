@@ -18,7 +18,7 @@ using CCellValue = std::array<svLogicVecVal, 32>;
 // 'path_name does. Case matters only between instances whose paths differ in nothing else. Addresses count LAUs. Errors
 // end the simulation.
 
-/// The instance of the path, or null.
+/// The instance of the path, or null if there is none or if the path fits several in another case.
 mtiRegionIdT FindInstance(const std::string& path);
 
 /// Loads the address space of an image into a memory: the LAUs at base + bank, then every banks-th, into the cells from

@@ -32,6 +32,9 @@ public:
         if (time != m_Time) {
             m_Time = time;
             ++m_Number;
+            m_BeganLow = !clockIsOne;
+        } else if (m_BeganLow && clockIsOne) {
+            WarnOfMissedEdge();
         }
         CheckLength("inputs", inputs.GetLength(), m_Instance.GetInputWidth());
         CheckLength("outputs", outputs.GetLength(), m_Instance.GetOutputWidth());
@@ -45,6 +48,18 @@ public:
     }
 
 private:
+    /// The first evaluation at a time decides whether it is that of an edge.
+    void WarnOfMissedEdge() {
+        if (!m_HasWarned) {
+            m_HasWarned = true;
+            PrintWarning(
+                m_Instance.GetPath(),
+                "CLK rises at " + std::to_string(m_Time) +
+                    " fs, one or more delta cycles after CLK or an input has changed at that time: this edge is "
+                    "missed, and so is each one like it. Register the inputs on the very signal that is CLK.");
+        }
+    }
+
     /// A copied entity may lack a port in one of the two places.
     void CheckLength(const char* what, std::uint32_t length, std::uint32_t listed) const {
         if (length != listed) {
@@ -90,6 +105,8 @@ private:
     CDirectInstance m_Instance;
     std::int64_t m_Time = 0;
     std::uint32_t m_Number = 0; // for the memory library: of that time
+    bool m_BeganLow = false;    // CLK was not 1 at the first event of that time, which is not 0
+    bool m_HasWarned = false;
     std::vector<std::uint32_t> m_InputBits;
     std::size_t m_DrivenOutputs = 0;
 };

@@ -146,7 +146,7 @@ for simulator in "${simulators[@]}"; do
     echo "  $simulator, loaded by the test bench:"
     quietly "build_$simulator"
     measured "run_$simulator" "${arguments[@]}" +program="$work/program.$extension" +data="$work/data.$extension"
-    [[ -z $native ]] || continue
+    [[ -z $native && " ${arguments[*]}" != *" +program="* ]] || continue # of one's own, loaded once
     echo "  $simulator, loaded from the command line:"
     measured "run_$simulator" "${arguments[@]}" "${loads[@]}" +runs=1
 done

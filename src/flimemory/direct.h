@@ -47,6 +47,10 @@ enum marlune_direct_result {
 [[gnu::visibility("default")]] int marlune_direct_wake(void* process, uint32_t now, int clock, const uint64_t* inputs,
                                                        uint64_t* outputs);
 
+/// Commits the writes that the instance's ports have recorded, as its next edge would. `process` is that of
+/// marlune_direct_bind; the instance need not be bound.
+[[gnu::visibility("default")]] void marlune_direct_commit(void* process);
+
 /// A warning if the last load by marlune_dpi_memory_init stored nothing or only a part of a section, else null. The
 /// text is valid until the next load.
 [[gnu::visibility("default")]] const char* marlune_direct_load_warning(void);

@@ -193,6 +193,10 @@ int marlune_direct_wake(void* process, uint32_t now, int clock, const uint64_t* 
     return result;
 }
 
+void marlune_direct_commit(void* process) {
+    RunGuarded([&] { static_cast<CProcessInfo*>(process)->CommitWrites(); });
+}
+
 const char* marlune_direct_load_warning() {
     return g_LoadWarning.empty() ? nullptr : g_LoadWarning.c_str();
 }

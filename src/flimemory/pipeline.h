@@ -26,6 +26,10 @@ struct CPipeline {
             m_ReadOutputs.swap(m_ReadSamples);
             m_ReadSamples.clear();
         }
+        CommitWrites(storage);
+    }
+
+    void CommitWrites(CStorage& storage) {
         m_PendingWrites.Drain([&](const auto& write) { storage.Write(write.first, write.second); });
     }
 

@@ -52,6 +52,11 @@ public:
             [&](auto& pipeline) { CPass(*m_Storage, m_Ports, m_ReadIsSynchronous, pipeline, values).Run(ahead); });
     }
 
+    /// Commits the pending writes without an edge.
+    void CommitWrites() {
+        WithPipeline([this](auto& pipeline) { pipeline.CommitWrites(*m_Storage); });
+    }
+
     mtiRegionIdTag* m_Region;
     std::unique_ptr<CStorage> m_Storage;
     mtiSignalIdTag* m_Clock;

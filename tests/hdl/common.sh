@@ -43,10 +43,13 @@ check_options() {
     expect 1 "': '3' is not of the form BANK/BANKS." "${@:2}" "+marlune_load=$path,image.vexon,data,0,3"
     expect 1 "': the bank must be below the number of banks." "${@:2}" "+marlune_load=$path,image.vexon,data,0,2/2"
     expect 1 "a first address only with a last one" "${@:2}" "+marlune_dump=$path,cells,1"
+    expect 1 "the first address must not be above the last one" "${@:2}" "+marlune_dump=$path,cells,2,1"
     expect 1 "There is no memory 'nowhere', which the command line names. The memories are: '" "${@:2}" \
         +marlune_dump=nowhere,cells
     expect 1 "fatal error: '$pattern': File 'missing' could not be opened." "${@:2}" "+marlune_load=$path,missing,data"
     expect 1 "fatal error: '$pattern': File 'no/cells' could not be written." "${@:2}" "+marlune_dump=$path,no/cells"
+    expect 1 "std::exception*'marlune-image check FILE' finds" "${@:2}" "+marlune_load=$path,$here/common.sh,data"
+    expect 1 "Incorrect architecture*'marlune-image convert FILE" "${@:2}" "+marlune_load=$path,/bin/true,data"
     expect 1 "'image.vexon' does not have just one address space to load" "${@:2}" "+marlune_load=$path,image.vexon"
 }
 

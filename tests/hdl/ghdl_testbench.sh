@@ -51,6 +51,7 @@ expect 1 "fatal error: 'marlune_memory': General error: At least 3 arguments" me
 expect 1 "fatal error: 'marlune_memory': A width of 1025 bits is not possible" memory '' -gDATA_BITS=1025
 expect 0 "'marlune_memory': ports 'w_WE', 'w_WA0', 'w_D0' are not used: their group lacks WE0 to be a write port." \
     memory 's/"r_RE0 \(.*\) w_WE0/"r_RE0 \1 w_WE/'
+expect 1 "'marlune_memory': basic_string::substr*Port 'Q0' needs a prefix, as in 'a_Q0'." memory 's/ r_Q0:/ Q0:/'
 expect 1 "'marlune_memory': The inputs of wake have 22 elements, and the ports that open_memory lists have 54." \
     memory 's/ & w_D0, outputs/, outputs/'
 expect 1 "'marlune_memory': The outputs of wake have 30 elements, and the ports that open_memory lists have 32." \

@@ -14,7 +14,8 @@ run() {
 expect 0 PASSED run icarus_tb.vvp "+marlune_dump=icarus_tb.odd.name+[3],sparse"
 [[ $(< sparse) == $'@00000000 00\n@fffffffe a1' ]] || fail "$(< sparse)"
 check_options icarus_tb.rows[1] run icarus_tb.vvp
-expect 0 PASSED run modes_tb.vvp
+expect 0 "warning: 'modes_tb.*.memory': port 'c_WE0' has 2 bits and is active only if its whole value is 1.*PASSED" \
+    run modes_tb.vvp
 check_waveform
 expect 1 "modes_tb.*.memory: no library serves this memory. Run vvp with -M\$LIB -mmarlune_fli." vvp modes_tb.vvp
 
@@ -35,4 +36,14 @@ refuse() {
     refuse "poke argument 2 must be a number of 32 bits" '$marlune_poke("m", 33'"'"'h100000000, 1)'
     refuse "peek argument 3 must be a whole variable" '$marlune_peek("m", 1, v[i +: 4])'
     refuse "peek argument 3 must be a whole variable" '$marlune_peek("m", 1, v + 1)'
+    refuse "peek argument 1 must be a text" '$marlune_peek(calls_tb, 1, v)'
 }
+
+iverilog -g2012 -o names_tb.vvp "$here/names_tb.v" "$root/hdl/marlune_memory.v"
+names() { run names_tb.vvp "$@"; }
+expect 0 "a5a5" names "+marlune_dump=names_tb.CORE,last,3,3"
+[[ $(< last) == "@00000003 77" ]] || fail "$(< last)" # written at the last edge
+expect 0 "'names_tb.r_0__ram': 'names_tb.r?0?.ram' has the same name for test bench access, 'names_tb_r_0__ram'" names
+expect 0 "'names_tb.renamed': port 'r_Q0' is not used: it is not a net or a variable of its own name." names
+expect 1 "There is no memory 'names_tb.core'" names +marlune_dump=names_tb.core,last # Core or CORE?
+expect 1 "There is no bank 4 of 4." names +bank
