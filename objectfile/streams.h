@@ -46,7 +46,7 @@ public:
     /// The error that rejects the value of the line just read: its zero-based number and `text`.
     syntax_error Reject(const char* text = "Syntax error") const { return {m_LineCounter - 1, text}; }
 
-    /// Reads and discards lines until the counter stands at `line`; throws as GetLine().
+    /// Reads and discards lines until the counter is `line`; throws as GetLine().
     void SkipToLine(int line);
 
     /// The unread bytes that the stream holds: at least `atLeast` of them unless that is more than MAX_PEEK or the

@@ -43,7 +43,7 @@ begin
 
 end architecture;
 
--- 128 bits, behind one shared port with synchronous reads.
+-- 128 bits, with one shared port and synchronous reads.
 library ieee;
 use ieee.std_logic_1164.all;
 use work.marlune_direct.all;

@@ -11,7 +11,7 @@ use ieee.numeric_std.all;
 
 package reference_memory is
 
-  subtype word is std_logic_vector(127 downto 0);   -- the widest here; narrower data stands in its low bits
+  subtype word is std_logic_vector(127 downto 0);   -- the widest here; narrower data uses its low bits
   subtype cell_address is unsigned(31 downto 0);
   subtype port_number is natural range 0 to 3;      -- of the prefixes in their order
 

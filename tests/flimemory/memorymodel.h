@@ -21,7 +21,7 @@ struct CShape {
     int m_AddressBits;
 };
 
-/// What a memory instance does, told over signal values as text; written without a look at the library's own types.
+/// What a memory instance does, in terms of signal values as text. It uses none of the library's own types.
 class CMemoryModel {
 public:
     /// The path is as messages show it; the names of the instance's signals begin with the scope.

@@ -33,7 +33,7 @@ TEST(SignalValue, ReadsAndDrivesArraysOfEveryLength) {
         }
         mtiDriverIdTag driver{signal};
         SetValue(signal, value, &driver, 0, MTI_INERTIAL);
-        simulator.Set({{"vector", letters}}); // and the delta cycle behind it
+        simulator.Set({{"vector", letters}}); // and the delta cycle after it
         EXPECT_EQ(simulator.Value("vector"), driven);
     }
     EXPECT_TRUE(simulator.m_Lent.empty());

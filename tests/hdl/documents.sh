@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The sources in docs/memories.md run as they stand, in three simulators.
+# The sources in docs/memories.md run unchanged in three simulators.
 #
 # usage: documents.sh BUILD-FOLDER
 source "$(dirname "$0")/common.sh"

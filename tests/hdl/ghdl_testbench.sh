@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# GHDL: the test bench package with memories behind foreign architectures, direct ones, and both, and a user's errors.
+# GHDL: the test bench package with memories of foreign architectures, direct ones, and both, and a user's errors.
 #
 # usage: ghdl_testbench.sh BUILD-FOLDER
 source "$(dirname "$0")/common.sh"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The processor in two simulators. The images that lie beside its program are those that the tools make of it; and what
-# goes wrong ends the run with a message and an exit status that is not 0.
+# The processor in two simulators. The images beside its program are those that the tools make from it. What goes wrong
+# ends the run with a message and an exit status other than 0.
 #
 # usage: riscv.sh BUILD-FOLDER
 source "$(dirname "$0")/common.sh"

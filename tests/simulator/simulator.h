@@ -58,7 +58,7 @@ public:
     mtiSignalIdT Signal(const std::string& name);
     std::string Value(const std::string& name);
 
-    /// Elaborates an instance with the ports, in this order; each is connected to the signal of its name behind the
+    /// Elaborates an instance with the ports, in this order; each is connected to the signal of its name after the
     /// scope, and one without such a signal is left open.
     using CInit = void (*)(mtiRegionIdT, char*, mtiInterfaceListT*, mtiInterfaceListT*);
     void Elaborate(CInit init, const std::string& path, const std::string& parameters,
@@ -71,7 +71,7 @@ public:
 
     void Quit() { RunCallbacks(m_QuitCallbacks); }
     void Restart() { RunCallbacks(m_RestartCallbacks); }
-    /// Takes the design down, at time 0 again; only behind a restart.
+    /// Takes the design down, at time 0 again; only after a restart.
     void Reset();
 
     std::string TakeTranscript() { return std::exchange(m_Transcript, ""); }

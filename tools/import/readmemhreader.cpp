@@ -137,13 +137,13 @@ private:
         for (; !AtTokenEnd(); ++digits) {
             const int value = HexValue(m_In.Peek());
             if (value < 0 || digits == MOST_ADDRESS_DIGITS) {
-                Fail("after @ stands an address of 1 to 12 hexadecimal digits");
+                Fail("@ must be followed by an address of 1 to 12 hexadecimal digits");
             }
             m_In.Take();
             address = address << 4 | static_cast<unsigned>(value);
         }
         if (digits == 0) {
-            Fail("after @ stands an address, without a blank");
+            Fail("@ must be followed by an address, without a blank");
         }
         return address;
     }

@@ -1,4 +1,4 @@
--- The package marlune_testbench in a design of memories behind foreign architectures, of directly served ones, or of
+-- The package marlune_testbench in a design of memories with foreign architectures, of directly served ones, or of
 -- both in turn: every form of a path, values and cells of 1 to 1024 bits, all 32 bits of an address, images, errors.
 
 entity testbench_tb is
