@@ -84,7 +84,7 @@ private:
                 return;
             }
             ++m_Loaded;
-            CheckUnits(section);
+            CheckLaus(section);
         } catch (const std::exception& error) {
             Error(section.GetName(), error.what());
         }
@@ -99,7 +99,7 @@ private:
     }
 
     /// The LAUs' width, and that each of them is a number.
-    void CheckUnits(const CSection& section) {
+    void CheckLaus(const CSection& section) {
         const CSectionData& data = *section.GetSectionData();
         // Without a width to compare with, all sections of an address space must agree with its first.
         const auto first = m_Widths
@@ -121,13 +121,13 @@ private:
             return;
         }
         std::array<std::uint64_t, MOST_BITS / 64> limbs{};
-        for (int unit = 0; unit < data.GetByteCount(); ++unit) {
-            if (data.GetByteBits(unit, limbs.data())) {
+        for (int lau = 0; lau < data.GetByteCount(); ++lau) {
+            if (data.GetByteBits(lau, limbs.data())) {
                 continue;
             }
-            const std::string where = "the LAU at " + Hex(section.GetMemoryByteAddress() + static_cast<unsigned>(unit));
+            const std::string where = "the LAU at " + Hex(section.GetMemoryByteAddress() + static_cast<unsigned>(lau));
             try {
-                const std::string digits = data.GetByte(unit);
+                const std::string digits = data.GetByte(lau);
                 if (digits.size() < static_cast<std::size_t>(data.GetByteBitSize()) ||
                     digits.find_first_not_of("01") != std::string::npos) {
                     Warn(section.GetName(), where + " is not " + std::to_string(data.GetByteBitSize()) +

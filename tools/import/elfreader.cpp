@@ -59,7 +59,7 @@ public:
             AddFilePart(segment);
             AddZeroPart(segment);
         }
-        TellSectionsNotLoaded();
+        WarnOfSectionsNotLoaded();
         ReadSymbols();
         if (m_Header.e_entry != 0) {
             m_Program.m_Entry = PhysicalAddress(m_Header.e_entry);
@@ -246,7 +246,7 @@ private:
         return codeFlag != 0 ? CSection::TYPE_TEXT : CSection::TYPE_DATA;
     }
 
-    void TellSectionsNotLoaded() const {
+    void WarnOfSectionsNotLoaded() const {
         for (const CElfSection& section : m_Sections) {
             if (m_LoadedSections.count(section.m_Index) == 0) {
                 m_Warn("the section '" + Printable(section.m_Name) + "' is in no loadable segment and is left out");

@@ -47,7 +47,7 @@ public:
         for (const CProgramSection& section : m_Program.m_Sections) {
             AddRange(section);
         }
-        TellFilledBytes();
+        WarnOfFilledBytes();
         for (const CRange& range : m_Ranges) {
             AddSection(range);
         }
@@ -95,8 +95,8 @@ private:
         }
     }
 
-    /// Counts the LAUs of which the program gives some bytes, but not all.
-    void TellFilledBytes() const {
+    /// Warns of LAUs of which the program gives some bytes, but not all.
+    void WarnOfFilledBytes() const {
         std::uint64_t filled = 0;
         std::uint64_t first = 0;
         const auto note = [&](std::uint64_t begin, std::uint64_t end) {
@@ -145,9 +145,9 @@ private:
     void AddContents(ObjectFile::CSectionData& data, const CRange& range) const {
         const std::size_t most = CHUNK_BYTES / m_Bytes / 64 * 64; // LAUs, so many that they fill limbs of 64 bits
         std::vector<char> bytes(most * m_Bytes);
-        for (std::uint64_t unit = range.m_First; unit < range.m_End; unit += most) {
-            const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(most, range.m_End - unit));
-            m_Program.Read(Base() + unit * m_Bytes, bytes.data(), count * m_Bytes);
+        for (std::uint64_t lau = range.m_First; lau < range.m_End; lau += most) {
+            const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(most, range.m_End - lau));
+            m_Program.Read(Base() + lau * m_Bytes, bytes.data(), count * m_Bytes);
             if (m_Width % 8 == 0) {
                 AddBytes(data, bytes.data(), count * m_Bytes);
             } else {
@@ -172,7 +172,7 @@ private:
     void AddOddLaus(ObjectFile::CSectionData& data, const char* bytes, std::size_t count) const {
         const bool big = m_Order == ObjectFile::BO_BIG;
         std::string digits;
-        for (std::size_t unit = 0; unit < count; ++unit, bytes += m_Bytes) {
+        for (std::size_t lau = 0; lau < count; ++lau, bytes += m_Bytes) {
             for (unsigned i = 0; i < m_Width; ++i) {
                 const unsigned bit = big ? m_Width - 1 - i : i;
                 const unsigned byte = big ? m_Bytes - 1 - bit / 8 : bit / 8;
@@ -215,30 +215,30 @@ private:
         symbol->SetBlockSize(static_cast<int>(std::min(size, MOST_LAUS)));
         symbol->SetMemoryAddress(source.m_Address);
         if (source.m_Type != CSymbol::TYPE_ABSOLUTE) {
-            const std::uint64_t unit = (source.m_Address - Base()) / m_Bytes;
-            CSection* const section = source.m_Address < Base() ? nullptr : SectionOf(source.m_Key, unit);
+            const std::uint64_t lau = (source.m_Address - Base()) / m_Bytes;
+            CSection* const section = source.m_Address < Base() ? nullptr : SectionOf(source.m_Key, lau);
             if (section == nullptr) {
                 return true; // it lies in nothing that is loaded
             }
             symbol->SetSection(section);
-            symbol->SetMemoryAddress(unit - section->GetMemoryByteAddress());
+            symbol->SetMemoryAddress(lau - section->GetMemoryByteAddress());
         }
         table.AddSymbol(std::move(symbol));
         return true;
     }
 
     /// The section of the key, or another with the LAU in which the two meet; null if the key is of none.
-    CSection* SectionOf(std::size_t key, std::uint64_t unit) const {
+    CSection* SectionOf(std::size_t key, std::uint64_t lau) const {
         const auto found = m_Sections.find(key);
         if (found == m_Sections.end()) {
             return nullptr;
         }
-        if (found->second != nullptr && found->second->GetMemoryByteAddress() <= unit) {
+        if (found->second != nullptr && found->second->GetMemoryByteAddress() <= lau) {
             return found->second;
         }
-        const auto after = std::upper_bound(m_Ranges.begin(), m_Ranges.end(), unit,
+        const auto after = std::upper_bound(m_Ranges.begin(), m_Ranges.end(), lau,
                                             [](std::uint64_t u, const CRange& range) { return u < range.m_First; });
-        const bool inRange = after != m_Ranges.begin() && unit < std::prev(after)->m_End;
+        const bool inRange = after != m_Ranges.begin() && lau < std::prev(after)->m_End;
         return inRange ? m_Sections.at(std::prev(after)->m_Section->m_Key) : nullptr;
     }
 

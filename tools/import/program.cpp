@@ -48,11 +48,11 @@ void CProgram::Arrange(const CWarn& warn) {
             if (!apart.back().IsZero()) {
                 throw std::runtime_error(Describe(apart.back()) + " and " + Describe(section) + " overlap");
             }
-            TellLeftOut(apart.back(), section, warn);
+            WarnOfLeftOut(apart.back(), section, warn);
             apart.pop_back();
         }
         if (overlaps && section.IsZero()) {
-            TellLeftOut(section, apart.back(), warn);
+            WarnOfLeftOut(section, apart.back(), warn);
         } else {
             apart.push_back(std::move(section));
         }
@@ -60,7 +60,7 @@ void CProgram::Arrange(const CWarn& warn) {
     m_Sections = std::move(apart);
 }
 
-void CProgram::TellLeftOut(const CProgramSection& zeros, const CProgramSection& other, const CWarn& warn) const {
+void CProgram::WarnOfLeftOut(const CProgramSection& zeros, const CProgramSection& other, const CWarn& warn) const {
     warn("the zeros of " + Describe(zeros) + " overlap " + Describe(other) + " and are left out");
 }
 

@@ -72,7 +72,7 @@ public:
     std::string DescribeAddress(std::uint64_t address) const;
 
 private:
-    void TellLeftOut(const CProgramSection& zeros, const CProgramSection& other, const CWarn& warn) const;
+    void WarnOfLeftOut(const CProgramSection& zeros, const CProgramSection& other, const CWarn& warn) const;
 };
 
 } // namespace marlune::tool
