@@ -223,7 +223,7 @@ int ElfToVexon::GetSectionIndexOfName(const std::string& name) const {
 int ElfToVexon::GetIndexContentOfSection(int index) const {
     const auto found =
         std::lower_bound(m_Contents.begin(), m_Contents.end(), index,
-                         [](const SectionContents& contents, int wanted) { return contents.m_Section < wanted; });
+                         [](const CSectionContents& contents, int wanted) { return contents.m_Section < wanted; });
     if (found == m_Contents.end() || found->m_Section != index) {
         throw CGeneralError("Could not find section with index");
     }

@@ -87,7 +87,7 @@ public:
     static unsigned ConvertRelocationType(const Elf64_Rela* entry, bool& reversed);
 
 private:
-    struct SectionContents {
+    struct CSectionContents {
         std::string_view m_Bytes; // empty for SHT_NOBITS
         int m_Section;
     };
@@ -141,7 +141,7 @@ private:
     std::optional<marlune::elf::CSegmentIndex> m_LoadSegments; // none when all addresses are virtual ones
     std::optional<marlune::elf::CSegmentIndex> m_TlsSegments;  // the same
     std::vector<Elf64_Shdr> m_SectionHeaders;
-    std::vector<SectionContents> m_Contents; // in the order of their sections
+    std::vector<CSectionContents> m_Contents; // in the order of their sections
     std::vector<AddressSpace> m_AddressSpaces;
     std::vector<Elf64_Sym> m_Symbols;
     std::vector<RelocationContents> m_Relocations;
