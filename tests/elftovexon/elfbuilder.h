@@ -54,15 +54,18 @@ public:
 
     /// The builder of such a file.
     static CElfBuilder Of(const std::string& file) {
+        const auto at = [&](std::uint64_t offset) { return &file[static_cast<std::size_t>(offset)]; };
         CElfBuilder elf;
         std::memcpy(&elf.m_Header, file.data(), sizeof elf.m_Header);
         std::vector<Elf64_Shdr> headers(elf.m_Header.e_shnum);
-        std::memcpy(headers.data(), &file[elf.m_Header.e_shoff], headers.size() * sizeof(Elf64_Shdr));
+        std::memcpy(headers.data(), at(elf.m_Header.e_shoff), headers.size() * sizeof(Elf64_Shdr));
         const Elf64_Shdr& names = headers.at(elf.m_Header.e_shstrndx);
         for (const Elf64_Shdr& header : headers) {
             const bool hasBytes = header.sh_type != SHT_NOBITS && &header != &names;
-            CSection& section = elf.Add(&file[names.sh_offset + header.sh_name], header.sh_type);
-            section.m_Bytes = hasBytes ? file.substr(header.sh_offset, header.sh_size) : "";
+            CSection& section = elf.Add(at(names.sh_offset + header.sh_name), header.sh_type);
+            if (hasBytes) {
+                section.m_Bytes.assign(at(header.sh_offset), static_cast<std::size_t>(header.sh_size));
+            }
             section.m_Header = header;
             section.m_Header.sh_name = 0;
             section.m_Header.sh_offset = 0;
