@@ -57,8 +57,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         for (int i = 0; image != nullptr && i < image->SectionsCount(); ++i) {
             const ObjectFile::CSection& section = *image->GetSection(i);
             laus += section.GetType() == ObjectFile::CSection::TYPE_BSS
-                         ? 0
-                         : static_cast<unsigned>(section.GetSectionDataByteCount());
+                        ? 0
+                        : static_cast<unsigned>(section.GetSectionDataByteCount());
         }
         if (image == nullptr || laus > MOST_LAUS) {
             continue;

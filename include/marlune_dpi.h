@@ -1,6 +1,6 @@
 /* The functions with which C or C++ code accesses the memories of a simulation in its process. Link with
- * libmarlune_direct.so and libmarlune_fli_memory.so. SystemVerilog imports the same functions in marlune_dpi.sv. An error
- * ends the simulation with a message. */
+ * libmarlune_direct.so and libmarlune_fli_memory.so. SystemVerilog imports the same functions in marlune_dpi.sv. An
+ * error ends the simulation with a message. */
 #ifndef MARLUNE_DPI_H
 #define MARLUNE_DPI_H
 
@@ -33,9 +33,9 @@ void marlune_dpi_memory_write(char const* name, unsigned int address, struct t_v
 void marlune_dpi_memory_read(char const* name, unsigned int address, struct t_vpi_vecval* data);
 
 /* Creates a memory in a program without a simulator; in a simulation the SystemVerilog module does. The path of the
- * instance is the part of `scope` before its last '.'. `parameters` is "mode width cells", or "" to derive them from the
- * next three arguments. `ports` has the names of all ports but CLK, each followed by a blank. `widths` has their widths
- * in bits, the last one first, and then 0. Returns a handle that is valid until the end of the program. */
+ * instance is the part of `scope` before its last '.'. `parameters` is "mode width cells", or "" to derive them from
+ * the next three arguments. `ports` has the names of all ports but CLK, each followed by a blank. `widths` has their
+ * widths in bits, the last one first, and then 0. Returns a handle that is valid until the end of the program. */
 void* marlune_sv_open(const char* scope, const char* parameters, unsigned int mode, unsigned int dataBits,
                       unsigned int addressBits, const char* ports, const uint32_t* widths);
 

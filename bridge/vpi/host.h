@@ -14,7 +14,6 @@
 
 namespace marlune::bridge {
 
-
 /// A port of an instance: the net or variable inside of it.
 struct CVpiPort {
     std::string m_Name;

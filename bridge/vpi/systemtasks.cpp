@@ -37,7 +37,7 @@ public:
     PLI_INT32 GetSize(std::size_t index) const { return vpi_get(vpiSize, m_Arguments[index]); }
 
     std::string GetTextValue(std::size_t index) const {
-        const std::string text = bridge::GetTextValue(m_Arguments[index]);
+        std::string text = bridge::GetTextValue(m_Arguments[index]);
         if (text.empty() && index < REQUIRED_TEXTS) {
             Refuse(index, "must be a text");
         }

@@ -1,5 +1,5 @@
-// Loads an image into a memory of 1024 bytes and prints the first one, without a simulator. A program with the model of a
-// design would use the memories of that design instead.
+// Loads an image into a memory of 1024 bytes and prints the first one, without a simulator. A program with the model of
+// a design would use the memories of that design instead.
 //
 // usage: g++ peek.cpp $(pkg-config --cflags --libs marlune) -o peek && ./peek IMAGE SPACE
 #include <cstdint>

@@ -33,7 +33,7 @@ bool IsLoaded(const CSection& section, const std::string& addressSpace, bool inc
 }
 
 void CheckLauWidth(const CLoadTarget& target, const ObjectFile::CObjectFile& objectFile,
-                    const ObjectFile::CSectionData& data) {
+                   const ObjectFile::CSectionData& data) {
     const auto width = static_cast<std::uint32_t>(data.GetByteLength(0));
     if (width != target.m_ByteBitWidth) {
         const std::string name = target.m_Name.substr(target.m_Name.rfind('/') + 1);
