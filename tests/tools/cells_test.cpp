@@ -38,7 +38,8 @@ TEST(LoadedCells, AgreeWithAModelOfTheLoad) {
                     const auto found = expected.find(first + i);
                     const std::bitset<128> word(found == expected.end() ? "" : found->second);
                     for (unsigned limb = 0; limb < cells.LimbsPerCell(); ++limb) {
-                        const auto wanted = (word >> (std::size_t{64} * limb) & std::bitset<128>(~std::uint64_t{0})).to_ullong();
+                        const auto wanted =
+                            (word >> (std::size_t{64} * limb) & std::bitset<128>(~std::uint64_t{0})).to_ullong();
                         ASSERT_EQ(limbs[i * cells.LimbsPerCell() + limb], wanted) << first + i;
                     }
                     ASSERT_TRUE(word.none() || !cells.IsZero(first, count));
