@@ -16,8 +16,8 @@ module marlune_memory #(
   reg [DATA_BITS-1:0] cells[0:2**ADDRESS_BITS-1];
 
   always @(posedge CLK) begin
-    if (r_RE0) r_Q0 <= cells[r_RA0];
     if (w_WE0) cells[w_WA0] <= w_D0;
+    if (r_RE0) r_Q0 <= cells[r_RA0];
   end
 
   function automatic [DATA_BITS-1:0] peek(input [31:0] address);
