@@ -12,6 +12,8 @@ for image in program data; do
     cmp <(sed 2d "$root/examples/riscv/$image.vexon") <(sed 2d $image.vexon) # all but the time stamp
 done
 
+expect 0 "loaded by the test bench" run icarus +program="$PWD/program.vexon"
+[[ $output != *"from the command line"* ]] || fail "$output" # that run would load the example's own images
 expect 1 "File './missing.vexon' could not be opened." run icarus +program=./missing.vexon
 expect 1 "The program has not ended after 1000 cycles" run icarus +limit=1000
 expect 1 "cannot execute the instruction" run icarus +program="$PWD/data.vexon" # whose address space is another

@@ -23,5 +23,6 @@ check_options forms_tb.spare forms_tb/Vforms_tb
 expect 1 "Cannot find memory object with name 'forms_tb_unknown'.*The memories are: 'forms_tb." \
     forms_tb/Vforms_tb +unknown +marlune_dump=forms_tb.wide,after_error,7,7
 [[ $(< after_error) == "@00000007 abcdabcdabcdabcdabcdabcdabcdabcd" ]] || fail "$(< after_error)"
+expect 134 "forms_tb.wide: there is no bank 2 of 2." forms_tb/Vforms_tb +bank
 expect 0 "" clocked/Vclocked
 expect 1 "fatal error: 'clocked.ram': CLK rises twice at time 0. *timeInc." clocked/Vclocked +still

@@ -62,6 +62,7 @@ module forms_tb;
     clk = 0;
     #1 clk = 1;
     #1 expect_value(wide_q, {8{16'hABCD}}, "the wide memory after a write");
+    if ($test$plusargs("bank")) load_bank("forms_tb.wide", "image.vexon", "data", 2, 2);
     if ($test$plusargs("unknown")) poke("forms_tb.unknown", 0, 0);
     if (wrong == 0) $display("forms: PASSED");
   end
