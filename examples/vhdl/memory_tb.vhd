@@ -2,13 +2,12 @@
 -- of the clock: after a rising edge with what the model reads, at the falling edge that it still holds.
 
 library ieee;
-use ieee.math_real.uniform;
-use ieee.math_real.floor;
 use ieee.std_logic_1164.all;
 use ieee.numeric_std.all;
 use std.env.finish;
 use std.textio.all;
 use work.marlune_testbench.all;
+use work.random_numbers.all;
 use work.reference_memory.all;
 
 entity memory_tb is
@@ -91,30 +90,23 @@ begin
     constant PORTS : name_list := ("dense             ", "synchronous       ", "many ports, read a", "many ports, read b",
                                    "many ports, shared", "128 bits          ", "sparse            ");
 
-    variable seed1, seed2     : positive := 1;
+    variable random           : generator;
     variable sparse_addresses : address_list;
     variable expected         : word_list(PORTS'range) := (others => (others => 'U'));
     variable compared, wrong  : natural := 0;
-
-    impure function random(limit : positive) return natural is
-      variable number : real;
-    begin
-      uniform(seed1, seed2, number);
-      return natural(floor(number * real(limit)));
-    end function;
 
     impure function random_word return word is
       variable bits : word;
     begin
       for i in 0 to 7 loop
-        bits(16 * i + 15 downto 16 * i) := std_logic_vector(to_unsigned(random(65536), 16));
+        bits(16 * i + 15 downto 16 * i) := std_logic_vector(to_unsigned(random.below(65536), 16));
       end loop;
       return bits;
     end function;
 
     impure function random_bit return std_logic is
     begin
-      return std_logic'val(std_logic'pos('0') + random(2));
+      return std_logic'val(std_logic'pos('0') + random.below(2));
     end function;
 
     -- Every fourth read is at the address written.
@@ -122,9 +114,9 @@ begin
       variable inputs : port_inputs;
     begin
       inputs.enable := random_bit;
-      inputs.write_address := to_unsigned(random(cells), 32);
-      inputs.read_address := to_unsigned(random(cells), 32);
-      if random(4) = 0 then
+      inputs.write_address := to_unsigned(random.below(cells), 32);
+      inputs.read_address := to_unsigned(random.below(cells), 32);
+      if random.below(4) = 0 then
         inputs.read_address := inputs.write_address;
       end if;
       inputs.data := random_word;

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 
@@ -107,8 +108,13 @@ private:
         const auto width = static_cast<int>(model.m_Shape.m_ByteBitWidth);
         ObjectFile::CObjectFile image;
         const std::string file = m_File + std::to_string(m_Loads++); // a name is read once
-        AddRandomSections(image, m_Random, width, 1);
-        ASSERT_TRUE(image.SaveFile(file));
+        if (width == 8 && m_Random() % 2 == 0) {
+            std::filesystem::copy_file(MARLUNE_TEST_DATA "/elf/gnu.elf", file);
+            image.LoadFile(file);
+        } else {
+            AddRandomSections(image, m_Random, width, 1);
+            ASSERT_TRUE(image.SaveFile(file));
+        }
         const CLoadWindow window = RandomWindow(m_Random);
         EntryPoint(marlune_dpi_memory_init, "marlune_dpi_memory_init")(
             (m_Names[index] + ".RAM").c_str(), file.c_str(), "ram", window.m_CellBase, window.m_LowAddress,

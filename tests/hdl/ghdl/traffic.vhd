@@ -1,6 +1,5 @@
--- The same random traffic for memories of many shapes, each served in two ways at once, which learn of events and
--- values differently. Inputs and CLK change in several delta cycles of one time, addresses and data follow outputs
--- within it. The outputs must agree in every delta.
+-- The same random traffic for memories of many shapes, each in three architectures at once. Inputs and CLK change in
+-- several delta cycles of one time, addresses and data follow outputs within it. The outputs must agree in every delta.
 
 entity traffic is
   generic (TIMES : positive := 3000);
@@ -8,8 +7,8 @@ end entity;
 
 library ieee;
 use ieee.std_logic_1164.all;
-use ieee.math_real.all;
 use std.env.all;
+use work.random_numbers.all;
 
 architecture test of traffic is
 
@@ -46,7 +45,7 @@ begin
   shaped : for s in SHAPES'range generate
     constant A : positive := SHAPES(s).address_bits;
     constant D : positive := SHAPES(s).data_bits;
-    type output_list is array (0 to 1) of std_logic_vector(2 * D downto 0);
+    type output_list is array (0 to 2) of std_logic_vector(2 * D downto 0);
     signal q : output_list;   -- a, d, b
   begin
     ways : for way in output_list'range generate
@@ -75,32 +74,31 @@ begin
           port map (clk, flags(0), flags(1), flags(2), flags(3 to 4), flags(5 to 6), a_ra, c_wa, d_ra, b_ra, c_data,
             repeated(data(1), D), a_q, d_q, q(way)(0));
       end generate;
+      model : if way = 2 and D <= 128 generate
+        memory : entity work.all_ports(model) generic map (A, D, SHAPES(s).mode, SHAPES(s).lau_bits, SHAPES(s).cells)
+          port map (clk, flags(0), flags(1), flags(2), flags(3 to 4), flags(5 to 6), a_ra, c_wa, d_ra, b_ra, c_data,
+            repeated(data(1), D), a_q, d_q, q(way)(0));
+      end generate;
     end generate;
 
     compare : process (q)
     begin
-      assert q(0) = q(1) report "shape " & integer'image(s) & " at " & time'image(now) & ": VPI " &
-        to_hstring(q(0)) & ", direct " & to_hstring(q(1)) severity failure;
+      assert q(0) = q(1) and (q(0) = q(2) or D > 128) report "shape " & integer'image(s) & " at " & time'image(now) &
+        ": VPI " & to_hstring(q(0)) & ", direct " & to_hstring(q(1)) & ", model " & to_hstring(q(2)) severity failure;
       changes(s) <= changes(s) + 1;
     end process;
   end generate;
 
   drive : process
-    variable seed1, seed2 : positive := 1;
-
-    impure function random(limit : positive) return natural is
-      variable number : real;
-    begin
-      uniform(seed1, seed2, number);
-      return natural(floor(number * real(limit)));
-    end function;
+    variable random : generator;
 
     -- '0' or '1', rarely another value.
     impure function random_elements(length : positive) return std_logic_vector is
       variable result : std_logic_vector(length - 1 downto 0);
     begin
       for i in result'range loop
-        result(i) := std_logic'val(random(9)) when random(50) = 0 else std_logic'val(std_logic'pos('0') + random(2));
+        result(i) := std_logic'val(random.below(9)) when random.below(50) = 0 else
+                     std_logic'val(std_logic'pos('0') + random.below(2));
       end loop;
       return result;
     end function;
@@ -108,22 +106,22 @@ begin
     -- What may change in one delta cycle.
     procedure change(one_of : positive) is
     begin
-      if random(one_of) = 0 then
-        clk <= std_logic'val(random(9)) when random(10) = 0 else not clk;
+      if random.below(one_of) = 0 then
+        clk <= std_logic'val(random.below(9)) when random.below(10) = 0 else not clk;
       end if;
       for i in flags'range loop
-        if random(2 * one_of) = 0 then
+        if random.below(2 * one_of) = 0 then
           flags(i to i) <= random_elements(1);
         end if;
       end loop;
       for i in nibbles'range loop
-        if random(2 * one_of) = 0 then
+        if random.below(2 * one_of) = 0 then
           nibbles(i) <= random_elements(4);
         end if;
       end loop;
       for i in data'range loop
-        if random(2 * one_of) = 0 then
-          data(i) <= random_elements(13) when random(4) > 0 else (0 => '1', others => '0');
+        if random.below(2 * one_of) = 0 then
+          data(i) <= random_elements(13) when random.below(4) > 0 else (0 => '1', others => '0');
         end if;
       end loop;
     end procedure;
@@ -132,11 +130,11 @@ begin
     wait for 0 fs;
     for i in 1 to TIMES loop
       change(2);
-      for delta in 1 to random(5) loop
+      for delta in 1 to random.below(5) loop
         wait for 0 fs;
         change(8);
       end loop;
-      wait for (1 + random(3)) * 1 ns + random(2) * 1 fs;
+      wait for (1 + random.below(3)) * 1 ns + random.below(2) * 1 fs;
     end loop;
     for s in SHAPES'range loop
       assert changes(s) > TIMES / 20 report "shape " & integer'image(s) & " rarely changed" severity failure;
