@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "bridge/core/failure.h"
+#include "bridge/core/text.h"
 
 namespace marlune::bridge {
 
@@ -92,10 +93,6 @@ CDumpOption ReadDump(const std::string& argument) {
         }
     }
     return option;
-}
-
-bool BeginsWith(const std::string& text, std::string_view beginning) {
-    return text.compare(0, beginning.size(), beginning) == 0;
 }
 
 } // namespace

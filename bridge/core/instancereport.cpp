@@ -21,6 +21,7 @@ namespace {
 
 using foreign::fli::CPortGroup;
 using foreign::fli::DescribeGroups;
+using foreign::fli::HasRole;
 
 const char* const PARAMETER_NAMES[] = {"read_is_synchronous", "byte_bit_width", "size_in_bytes"};
 
@@ -34,12 +35,6 @@ std::string Join(const std::vector<std::string>& words, const char* quote) {
 
 std::vector<CPortGroup> GroupsOf(const mtiRegionIdTag& region) {
     return region.m_Ports.empty() ? std::vector<CPortGroup>() : DescribeGroups(region.m_Ports.data());
-}
-
-constexpr std::size_t ROLE_LENGTH = 3; // of the longest roles
-
-bool HasRole(const std::string& name, const char* role) {
-    return name.size() >= ROLE_LENGTH && strcasecmp(name.c_str() + name.size() - ROLE_LENGTH, role) == 0;
 }
 
 /// RE0 has no effect, and CLK belongs to no group.
@@ -109,6 +104,7 @@ std::string DescribeWrongParameter(const std::string& parameters) {
 }
 
 std::string DescribeShortPort(const mtiRegionIdTag& region) {
+    constexpr std::size_t ROLE_LENGTH = 3; // of the longest roles
     for (const mtiSignalIdTag& signal : region.m_Signals) {
         if (signal.m_Name.size() < ROLE_LENGTH) {
             return "Port '" + signal.m_Name + "' needs a prefix, as in 'a_" + signal.m_Name + "'.";

@@ -12,7 +12,9 @@
 #include "bridge/core/failure.h"
 #include "bridge/core/instancereport.h"
 #include "bridge/core/simulation.h"
+#include "bridge/core/text.h"
 
+using marlune::bridge::BeginsWith;
 using marlune::bridge::GetSimulation;
 
 namespace {
@@ -26,12 +28,12 @@ namespace {
 std::string Explain(std::string_view message) {
     constexpr std::string_view LITERAL = "include/number_cast(";
     constexpr std::string_view NO_MEMORY = "General error: Cannot find memory object with name '";
-    const auto beginsWith = [&](std::string_view text) { return message.substr(0, text.size()) == text; };
+
     const mtiRegionIdT current = marlune::bridge::g_Current;
-    if (beginsWith(LITERAL) && current != nullptr) {
+    if (BeginsWith(message, LITERAL) && current != nullptr) {
         return "\n  " + marlune::bridge::DescribeWrongParameter(current->m_Parameters);
     }
-    if (beginsWith(NO_MEMORY)) {
+    if (BeginsWith(message, NO_MEMORY)) {
         message.remove_prefix(NO_MEMORY.size());
         const std::string name(message.substr(0, message.rfind('\'')));
         return "\n  " + marlune::bridge::DescribeClosest(GetSimulation().GetInstances(), name);
@@ -42,7 +44,8 @@ std::string Explain(std::string_view message) {
     if (message == "std::exception") {
         return "\n  The image is malformed: 'marlune-image check FILE' finds the line.";
     }
-    if (beginsWith("General error: Incorrect architecture") || beginsWith("General error: Unsupported ELF class")) {
+    if (BeginsWith(message, "General error: Incorrect architecture") ||
+        BeginsWith(message, "General error: Unsupported ELF class")) {
         return "\n  Convert programs of other toolchains: 'marlune-image convert FILE IMAGE --space NAME --width "
                "BITS'.";
     }
@@ -191,10 +194,10 @@ void mti_Command(const char* command) {
     constexpr std::string_view DECLARE = "global ";
     constexpr std::string_view SET = "set MTI_ERROR_MSG \"";
     const std::string_view text = command;
-    if (text.substr(0, SET.size()) == SET) {
+    if (BeginsWith(text, SET)) {
         const std::string message(text.substr(SET.size(), text.rfind('"') - SET.size()));
         marlune::bridge::PrintError(marlune::bridge::GetCurrentPath(), message + Explain(message));
-    } else if (text.substr(0, DECLARE.size()) != DECLARE) {
+    } else if (!BeginsWith(text, DECLARE)) {
         Fail("mti_Command: there is no Tcl to run '" + std::string(text) + "'.");
     }
 }

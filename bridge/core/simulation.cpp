@@ -53,18 +53,17 @@ void CSimulation::Elaborate(mtiRegionIdTag& region, CInitFunction init, const st
     if (region.m_IsMemory) {
         CheckWidth(region);
     }
+    const mtiRegionIdT hidden = std::exchange(m_ByName[region.m_Name], &region);
     std::string text = parameters; // the interface has writable texts
     {
         const CCurrentInstance current(&region);
         init(&region, text.data(), nullptr, region.m_Ports.data());
     }
     if (region.m_IsMemory) {
-        mtiRegionIdT& known = m_Memories[region.m_Name];
-        if (known != nullptr) {
-            PrintWarning(region.m_Path, "'" + known->m_Path + "' has the same name for test bench access, '" +
+        if (hidden != nullptr && hidden->m_IsMemory) {
+            PrintWarning(region.m_Path, "'" + hidden->m_Path + "' has the same name for test bench access, '" +
                                             region.m_Name + "', and cannot be reached any more.");
         }
-        known = &region;
         WarnOfPorts(region);
         LoadFromCommandLine(region);
     }

@@ -49,6 +49,12 @@ public:
 
     std::deque<mtiRegionIdTag>& GetInstances() { return m_Regions; }
 
+    /// The instance that the library knows by the name: the last one elaborated, or null.
+    mtiRegionIdT GetInstance(const std::string& name) const {
+        const auto found = m_ByName.find(name);
+        return found != m_ByName.end() ? found->second : nullptr;
+    }
+
     /// Elaborates an instance with its ports, and loads the images that the command line gives it. An error ends the
     /// simulation.
     void Elaborate(mtiRegionIdTag& region, CInitFunction init, const std::string& parameters);
@@ -79,7 +85,7 @@ private:
 
     std::unique_ptr<CHost> m_Host;
     std::deque<mtiRegionIdTag> m_Regions;
-    std::map<std::string, mtiRegionIdT> m_Memories; // by the library's name
+    std::map<std::string, mtiRegionIdT> m_ByName; // the library's name; of instances that share one, the last
     std::deque<mtiDriverIdTag> m_Drivers;
     std::vector<CCallback> m_QuitCallbacks;
     COptions m_Options;

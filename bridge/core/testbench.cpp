@@ -100,12 +100,12 @@ private:
 
 mtiRegionIdT FindInstance(const std::string& path) {
     const std::string name = NameOf(path);
-    mtiRegionIdT found = nullptr;
+    mtiRegionIdT found = GetSimulation().GetInstance(name);
+    if (found != nullptr) {
+        return found;
+    }
     int count = 0;
     for (mtiRegionIdTag& region : GetSimulation().GetInstances()) {
-        if (region.m_Name == name) {
-            return &region;
-        }
         if (strcasecmp(region.m_Name.c_str(), name.c_str()) == 0) {
             found = &region;
             ++count;

@@ -4,12 +4,11 @@
 #include <algorithm>
 #include <cstddef>
 
-#include <strings.h>
-
 #include "bridge/core/simulation.h"
 #include "src/flimemory/direct.h"
 #include "src/flimemory/flimemory.h"
 #include "src/flimemory/logicelements.h"
+#include "src/flimemory/ports.h"
 
 namespace marlune::bridge {
 
@@ -34,8 +33,7 @@ marlune_direct_signal PlaceAt(std::uint32_t offset, std::uint32_t width, bool is
 }
 
 bool IsOutput(const std::string& name) {
-    constexpr std::size_t ROLE_LENGTH = 2;
-    return name.size() >= ROLE_LENGTH && strcasecmp(name.c_str() + name.size() - ROLE_LENGTH, "Q0") == 0;
+    return foreign::fli::HasRole(name, "Q0");
 }
 
 void SetBits(std::vector<std::uint64_t>& words, const marlune_direct_signal& place) {

@@ -4,11 +4,13 @@
 #include <deque>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "bridge/core/failure.h"
 #include "bridge/core/foreigntext.h"
 #include "bridge/core/testbench.h"
+#include "bridge/core/text.h"
 #include "bridge/direct/entry.h"
 #include "bridge/direct/instance.h"
 #include "src/flimemory/direct.h"
@@ -127,9 +129,9 @@ private:
 /// "TOP.tb.ram.memory" becomes "tb.ram": the first name is that of a Verilator model, and the last one that of the
 /// module in hdl/marlune_dpi.sv.
 std::string PathOfScope(std::string scope) {
-    constexpr const char* MODEL = "TOP.";
+    constexpr std::string_view MODEL = "TOP.";
     scope.erase(scope.rfind('.'));
-    return scope.rfind(MODEL, 0) == 0 ? scope.substr(std::strlen(MODEL)) : scope;
+    return BeginsWith(scope, MODEL) ? scope.substr(MODEL.size()) : scope;
 }
 
 /// The ports of the names, which are separated by blanks. The widths are in the opposite order.

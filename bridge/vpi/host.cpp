@@ -7,6 +7,7 @@
 #include "bridge/core/failure.h"
 #include "bridge/core/foreignlibrary.h"
 #include "bridge/core/foreigntext.h"
+#include "bridge/core/text.h"
 #include "bridge/vpi/signal.h"
 
 namespace marlune::bridge {
@@ -31,7 +32,7 @@ t_vpi_value g_NoValue{vpiSuppressVal, {nullptr}};
 
 std::unique_ptr<CVpiHost> MakeVpiHost(const std::string& product) {
     for (const CProduct& known : PRODUCTS) {
-        if (product.compare(0, known.m_Name.size(), known.m_Name) == 0) {
+        if (BeginsWith(product, known.m_Name)) {
             return known.m_Make();
         }
     }

@@ -14,6 +14,10 @@
 
 namespace marlune::bridge {
 
+/// The kinds of variables that hold bits.
+constexpr PLI_INT32 VARIABLES[] = {vpiReg,    vpiBitVar,     vpiByteVar,   vpiShortIntVar,
+                                   vpiIntVar, vpiLongIntVar, vpiIntegerVar};
+
 /// A port of an instance: the net or variable inside of it.
 struct CVpiPort {
     std::string m_Name;

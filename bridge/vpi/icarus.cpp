@@ -61,13 +61,15 @@ public:
 
 private:
     static vpiHandle FindNetOrVariable(vpiHandle scope, const std::string& name) {
-        for (const PLI_INT32 type : {vpiNet, vpiReg, vpiBitVar, vpiByteVar, vpiShortIntVar, vpiIntVar, vpiLongIntVar,
-                                     vpiIntegerVar, vpiRealVar}) {
-            if (vpiHandle object = FindObject(type, scope, name)) {
-                return object;
+        if (vpiHandle net = FindObject(vpiNet, scope, name)) {
+            return net;
+        }
+        for (const PLI_INT32 type : VARIABLES) {
+            if (vpiHandle variable = FindObject(type, scope, name)) {
+                return variable;
             }
         }
-        return nullptr;
+        return FindObject(vpiRealVar, scope, name);
     }
 };
 

@@ -141,11 +141,8 @@ constexpr CTask TASKS[] = {
 };
 
 // What may be assigned as a whole. Icarus aborts on the assignment to a part select with a variable index.
-constexpr PLI_INT32 VARIABLES[] = {vpiReg,    vpiIntegerVar, vpiBitVar,      vpiByteVar,
-                                   vpiIntVar, vpiLongIntVar, vpiShortIntVar, vpiMemoryWord};
-
 bool IsVariable(PLI_INT32 type) {
-    return std::find(std::begin(VARIABLES), std::end(VARIABLES), type) != std::end(VARIABLES);
+    return type == vpiMemoryWord || std::find(std::begin(VARIABLES), std::end(VARIABLES), type) != std::end(VARIABLES);
 }
 
 /// When the design is read: refuses a call with arguments of the wrong number or kind.

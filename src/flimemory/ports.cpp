@@ -30,7 +30,7 @@ const std::string RTLReadAddressName = "R" + RTLAddressName;
 const std::string RTLWriteAddressName = "W" + RTLAddressName;
 const std::string RTLChipSelectName = "CS0";
 
-/// Stores the port's signal in `target` if the port's name ends in the role, in upper or lower case.
+/// Stores the port's signal in `target` if the port has the role.
 void HandlePort(mtiSignalIdTag** target, const std::string& role, const mtiInterfaceListStruct_* port) {
     if (target == nullptr || port == nullptr) {
         throw CGeneralError("Ports are not set.");
@@ -39,10 +39,7 @@ void HandlePort(mtiSignalIdTag** target, const std::string& role, const mtiInter
     if (name.size() < role.size()) {
         throw std::out_of_range("basic_string::substr"); // the text that users know, whatever the standard library's is
     }
-    const auto sameLetter = [](char a, char b) {
-        return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
-    };
-    if (std::equal(role.begin(), role.end(), name.end() - static_cast<std::ptrdiff_t>(role.size()), sameLetter)) {
+    if (HasRole(name, role)) {
         *target = port->u.port;
     }
 }
@@ -160,6 +157,13 @@ void BindSignals(std::vector<TPort>& ports, const CRole<TPort> (&roles)[COUNT]) 
 }
 
 } // namespace
+
+bool HasRole(std::string_view name, std::string_view role) {
+    const auto sameLetter = [](char a, char b) {
+        return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+    };
+    return name.size() >= role.size() && std::equal(role.rbegin(), role.rend(), name.rbegin(), sameLetter);
+}
 
 mtiSignalIdT FindClock(mtiInterfaceListT* ports) {
     std::string name = RTLClockName; // the simulator takes names as writable text

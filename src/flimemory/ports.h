@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "mti.h"
@@ -63,6 +64,9 @@ struct CPorts {
     std::size_t m_ReadPrefixes = 0;
     std::size_t m_WritePrefixes = 0;
 };
+
+/// Whether a port of that name has the role, in upper or lower case: only the name's end is compared.
+bool HasRole(std::string_view name, std::string_view role);
 
 /// Finds the port "CLK". Throws CGeneralError if there is none.
 mtiSignalIdT FindClock(mtiInterfaceListT* ports);
